@@ -1,0 +1,7 @@
+#include "ResourceInit.h"
+#include <QtCore/QDir>
+
+void vantrelInitResources()
+{
+    Q_INIT_RESOURCE(vantrel);
+}

@@ -1,0 +1,2 @@
+#include <cstdio>
+int main() { std::printf("Vantrel Photo\n"); return 0; }
