@@ -26,6 +26,15 @@ public:
     std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestModEmpty>(); }
 };
 
+// Adds Amount to every colour sample, masked by rule B, at both depths.
+class TestModAdd : public ImageMod {
+public:
+    explicit TestModAdd(float add = 10.0f) : ImageMod("Test Add", "") { addFloat("Amount", add, -255.0f, 255.0f); }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestModAdd>(); }
+    void apply(FlexImage8* image, const ImageModApplyContext* context) override;
+    void apply(FlexImageFloat* image, const ImageModApplyContext* context) override;
+};
+
 class TestModNeedsAnalysis : public TestModEmpty {
 public:
     bool needsAnalysis() const override { return true; }
@@ -49,3 +58,55 @@ public:
     }
     std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestModVariation>(); }
 };
+
+#include "core/ImageModSelector.h"
+
+// A mask with the same value everywhere.
+class TestSelectorConst : public ImageModSelector {
+public:
+    explicit TestSelectorConst(float v = 1.0f, bool on = true) : ImageModSelector("Test Const Mask"), value(v)
+    {
+        enabled = on;
+    }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestSelectorConst>(value); }
+    float maskValue(const FlexImageFloat*, int32_t, int32_t, const ReferenceFrame*) const override { return value; }
+    float maskValue(const FlexImage8*, int32_t, int32_t, const ReferenceFrame*) const override { return value; }
+    float value;
+};
+
+// A mask that is 1 on the left half of the image and 0 on the right, from the pixel position.
+class TestSelectorLeftHalf : public ImageModSelector {
+public:
+    TestSelectorLeftHalf() : ImageModSelector("Test Left Half") {}
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestSelectorLeftHalf>(); }
+    float maskValue(const FlexImageFloat* img, int32_t x, int32_t, const ReferenceFrame*) const override
+    {
+        return x < img->width / 2 ? 1.0f : 0.0f;
+    }
+    float maskValue(const FlexImage8* img, int32_t x, int32_t, const ReferenceFrame*) const override
+    {
+        return x < img->width / 2 ? 1.0f : 0.0f;
+    }
+};
+
+// A mask that reads the red sample: red / 255. Changes as the image changes.
+class TestSelectorRed : public ImageModSelector {
+public:
+    TestSelectorRed() : ImageModSelector("Test Red") {}
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestSelectorRed>(); }
+    float maskValue(const FlexImageFloat* img, int32_t x, int32_t y, const ReferenceFrame*) const override
+    {
+        return img->data[(y * img->width + x) * img->channels] / 255.0f;
+    }
+    float maskValue(const FlexImage8* img, int32_t x, int32_t y, const ReferenceFrame*) const override
+    {
+        return float(img->data[(y * img->width + x) * img->channels]) / 255.0f;
+    }
+};
+
+template <typename Image>
+void fillImage(Image& img, float value)
+{
+    for (int64_t i = 0; i < img.sampleCount(); ++i)
+        img.data[i] = typename Image::SampleType(value);
+}
