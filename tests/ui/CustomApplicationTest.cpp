@@ -249,6 +249,29 @@ private slots:
         QTRY_VERIFY(guard.isNull()); // the card deletes itself once closed
     }
 
+    void loadButtonTurnsAmberUnderTheMouse()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        MVStartupWindow* card = shownStartupWindow();
+        QVERIFY(card != nullptr);
+        // A point inside the button but clear of its glyph and label.
+        const QPoint probe(MVStartupWindow::buttonX + 14, MVStartupWindow::buttonY + 24);
+        const QColor normal = card->grab().toImage().pixelColor(probe);
+        QVERIFY(normal.red() == normal.green() && normal.green() == normal.blue());
+        QVERIFY(normal.red() > 40 && normal.red() < 80);
+
+        QVERIFY(QTest::qWaitForWindowExposed(card));
+        QTest::mouseMove(card->loadButton, QPoint(20, 20));
+        QTRY_VERIFY(card->loadButton->underMouse());
+        const QImage hovered = card->grab().toImage();
+        const QColor hot = hovered.pixelColor(probe);
+        QVERIFY2(hot.red() > 200 && hot.red() > hot.green() && hot.green() > hot.blue(),
+                 qPrintable(hot.name()));
+        // The art around the button is the card's own background, not the button's.
+        QCOMPARE(hovered.pixelColor(MVStartupWindow::buttonX - 20, MVStartupWindow::buttonY + 24),
+                 card->grab().toImage().pixelColor(MVStartupWindow::buttonX - 20, MVStartupWindow::buttonY + 24));
+    }
+
     void loadingAPhotoDismissesTheCard()
     {
         MainWindow w(AppTheme::styleSheet());
