@@ -15,6 +15,8 @@
 #include <QtGui/QPixmap>
 #include <QtTest/QtTest>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyle>
+#include <QtWidgets/QStyleFactory>
 
 namespace {
 
@@ -193,6 +195,17 @@ private slots:
         const AppThemeColors& t = AppTheme::colors();
         QCOMPARE(t.base, rgb(70));
         QCOMPARE(t.alternate, rgb(64));
+    }
+
+    void paletteSurvivesSwitchingToFusion()
+    {
+        // main() sets the palette before the style; the style must not replace it.
+        QApplication::setPalette(AppTheme::buildPalette(QGuiApplication::palette()));
+        QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+        QCOMPARE(QApplication::style()->objectName(), QStringLiteral("fusion"));
+        QCOMPARE(QApplication::palette().color(QPalette::Window), rgb(60));
+        QCOMPARE(QApplication::palette().color(QPalette::AlternateBase), rgb(64));
+        QCOMPARE(QApplication::palette().color(QPalette::Disabled, QPalette::Text), rgb(40));
     }
 
     void styleSheetTextIsExact()
