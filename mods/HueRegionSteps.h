@@ -42,10 +42,21 @@ static inline void hueRegionHsv(float r255, float g255, float b255, float& h, fl
     v = float(mx);
 }
 
+// fmod(x, 360) with the common range done by one subtraction: for x in [360, 720) the difference
+// is exact, so the result is the same bits as fmod.
+static inline float hueRegionWrap360(float x)
+{
+    if (x >= 0.0f && x < 360.0f)
+        return x;
+    if (x >= 360.0f && x < 720.0f)
+        return x - 360.0f;
+    return std::fmod(x, 360.0f);
+}
+
 // Position of a hue on the curve after the offset, 0..1, and the curve's reading there.
 static inline float hueRegionRead(const float* table, float hue, float offset)
 {
-    const float u = float(double(std::fmod(hue + (360.0f - offset), 360.0f)) * 0.002777777777777778);
+    const float u = float(double(hueRegionWrap360(hue + (360.0f - offset))) * 0.002777777777777778);
     return curveReadUnit(table, u);
 }
 

@@ -39,9 +39,9 @@ void applyHueShift(const ImageModHueShift& mod, FlexImageT<Sample>* image, const
         const float strength = amount * m;
         float hue;
         if (current)
-            hue = std::fmod(strength * 180.0f * hueRegionSignedSquare(2.0f * t - 1.0f) + h + 360.0f, 360.0f);
+            hue = hueRegionWrap360(strength * 180.0f * hueRegionSignedSquare(2.0f * t - 1.0f) + h + 360.0f);
         else
-            hue = std::fmod((t * 360.0f - 180.0f) * strength + h + 360.0f, 360.0f);
+            hue = hueRegionWrap360((t * 360.0f - 180.0f) * strength + h + 360.0f);
         float r, g, b;
         hsvToRgbInline(hue, s, v, r, g, b);
         p[0] = curveStore<Sample>(r);

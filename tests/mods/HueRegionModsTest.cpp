@@ -311,3 +311,14 @@ TEST(HueRegionMods, MaskScalesStrength)
     EXPECT_EQ(b->data[3], 255);
     EXPECT_EQ(b->data[4], 0);
 }
+
+TEST(HueRegionMods, WrapMatchesFmodBitForBit)
+{
+    // Every float from -1 to 1100 in steps that hit both fast ranges and the fallback.
+    for (float x = -1.0f; x < 1100.0f; x += 0.0371f) {
+        EXPECT_EQ(hueRegionWrap360(x), std::fmod(x, 360.0f)) << x;
+    }
+    const float edges[] = {0.0f, 359.99997f, 360.0f, 360.00003f, 719.99994f, 720.0f, -0.0f};
+    for (float x : edges)
+        EXPECT_EQ(hueRegionWrap360(x), std::fmod(x, 360.0f)) << x;
+}
