@@ -32,14 +32,18 @@ static inline float curveLerpAt(const float* table, float i)
     return (i - float(n)) * table[n + 1] + (float(n + 1) - i) * table[n];
 }
 
-// Table read for a value on the 0..255 scale; NaN reads entry 0.
+// Table read for a value on the 0..255 scale: entry 2047 when c / 255 is at least 1, entry 0 when
+// it is at most 0 (or NaN), else the linear read. c / 255 >= 1 exactly when c >= 255, and c / 255 > 0
+// exactly when c > 0 except for tiny c whose quotient underflows, so the division is only done
+// there.
 static inline float curveRead255(const float* table, float c)
 {
-    const float u = c / 255.0f;
-    if (u >= 1.0f)
+    if (c >= 255.0f)
         return table[kCurveLastEntry];
-    if (!(u > 0.0f))
-        return table[0];
+    if (!(c > 1.0e-30f)) {
+        if (!(c / 255.0f > 0.0f))
+            return table[0];
+    }
     return curveLerpAt(table, c * kCurveIndexScale);
 }
 

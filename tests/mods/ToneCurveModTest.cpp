@@ -4,6 +4,8 @@
 
 #include "core/ColorMath.h"
 
+#include <limits>
+
 TEST(CurveSteps, TableReadsEndsAndInterpolation)
 {
     ToneCurve rising("0 .2 1 .6");
@@ -26,6 +28,36 @@ TEST(CurveSteps, TableReadsEndsAndInterpolation)
     EXPECT_EQ(curveRead8Plain(t, 255), t[2047]);
     EXPECT_EQ(curveRead8Plain(t, 254), t[0]);
     EXPECT_EQ(curveRead8Plain(t, 128), t[0]);
+}
+
+// The read as first written, with the division, to hold the faster form to the same bits.
+static float curveRead255Reference(const float* table, float c)
+{
+    const float u = c / 255.0f;
+    if (u >= 1.0f)
+        return table[2047];
+    if (!(u > 0.0f))
+        return table[0];
+    return curveLerpAt(table, c * kCurveIndexScale);
+}
+
+TEST(CurveSteps, FastReadMatchesDivisionFormBitForBit)
+{
+    ToneCurve curve("0 .13 .3 .2 .6 .9 1 .77");
+    const float* t = curve.table();
+    int64_t mismatches = 0;
+    // Every float on a 1/65536 grid over -1..257, then the floats next to the ends and tiny values.
+    for (int32_t k = -65536; k <= 257 * 65536; ++k) {
+        const float c = float(k) / 65536.0f;
+        mismatches += curveRead255(t, c) != curveRead255Reference(t, c);
+    }
+    EXPECT_EQ(mismatches, 0);
+    const float specials[] = {255.0f, std::nextafter(255.0f, 0.0f), std::nextafter(255.0f, 300.0f), 0.0f, -0.0f,
+                              std::numeric_limits<float>::denorm_min(), 1e-45f, 3e-43f, 1e-40f, 1e-38f, 1e-30f,
+                              std::nextafter(1e-30f, 1.0f), std::numeric_limits<float>::quiet_NaN(),
+                              std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity()};
+    for (float c : specials)
+        EXPECT_EQ(curveRead255(t, c), curveRead255Reference(t, c)) << c;
 }
 
 TEST(CurveSteps, IdentityListIsExactComparison)
