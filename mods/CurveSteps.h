@@ -191,7 +191,8 @@ static inline float curveMaskAt(const ImageModSelector* selector, const FlexImag
     return selector ? selector->maskValue(image, x, y, frame) : 1.0f;
 }
 
-// One job per row; pixel(p, m) gets each pixel and its mask value (1 without a mask).
+// One job per row; pixel(p, m) gets each pixel and its mask value (1 without a mask). Give pixel
+// its settings by value: a float captured by reference could alias the samples and be reloaded.
 template <typename Sample, typename PixelFn>
 void curveRowJobs(FlexImageT<Sample>* image, const ImageModApplyContext* context, PixelFn pixel)
 {

@@ -42,7 +42,7 @@ void applyComponentCurve(const ImageModComponentCurve& mod, FlexImageT<Sample>* 
     const float* table = curve->table();
     if (!context || !context->selector) {
         // Channels are independent: one pass gives the same bits as a pass per channel.
-        curveRowJobs(image, nullptr, [&](Sample* p, float) {
+        curveRowJobs(image, nullptr, [=](Sample* p, float) {
             for (int32_t k = 0; k < channelCount; ++k) {
                 if (chosen[k])
                     p[k] = curveRgbChannelAny(table, p[k], amount);
@@ -54,7 +54,7 @@ void applyComponentCurve(const ImageModComponentCurve& mod, FlexImageT<Sample>* 
     for (int32_t k = 0; k < channelCount; ++k) {
         if (!chosen[k])
             continue;
-        curveRowJobs(image, context, [&](Sample* p, float m) { p[k] = curveRgbChannelAny(table, p[k], amount * m); });
+        curveRowJobs(image, context, [=](Sample* p, float m) { p[k] = curveRgbChannelAny(table, p[k], amount * m); });
     }
 }
 

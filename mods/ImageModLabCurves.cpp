@@ -79,7 +79,7 @@ void applyLabCurves(const ImageModLabCurves& mod, FlexImageT<Sample>* image)
     if (!any)
         return;
     // Pixels are independent, so rows in parallel give the same bits as one serial walk.
-    curveRowJobs(image, nullptr, [&](Sample* p, float) {
+    curveRowJobs(image, nullptr, [=](Sample* p, float) {
         float L, a, b;
         labCurvesToLab(float(p[0]), float(p[1]), float(p[2]), L, a, b);
         if (tables[0])

@@ -47,7 +47,7 @@ void applyRgbCurves(const ImageModRGBCurves& mod, FlexImageT<Sample>* image, con
     const int32_t stride = image->channels;
     if (!selector) {
         // Channels are independent, so one walk per pixel keeps the per-channel order and bits.
-        curveRowJobs(image, nullptr, [&](Sample* p, float) {
+        curveRowJobs(image, nullptr, [=](Sample* p, float) {
             for (int32_t k = 0; k < channelCount; ++k) {
                 if (own[k])
                     p[k] = curveRgbChannelAny(own[k], p[k], amount);
