@@ -1,13 +1,12 @@
 #pragma once
 #include "core/ImageMod.h"
 #include "core/ImageModVarAnimatorColorHSVA.h"
-#include "core/ImageModVarAnimatorCurve.h"
 
 #include <memory>
 #include <string>
 #include <vector>
 
-// Hover-preview animators that take more than one float per key, declared like the float ones: a
+// Hover-preview animators with four floats per key, declared like the float ones: a
 // key text and a cycle length in seconds.
 
 // Keys "h s v a h s v a ...": hue in degrees, the rest 0..1. A trailing incomplete group is dropped.
@@ -29,25 +28,4 @@ inline void addColorAnimator(ImageMod& mod, ImageModVariable* variable, const st
     const int32_t period = ft > 0.0f ? int32_t(seconds / ft) : 0;
     mod.addAnimator(std::make_unique<ImageModVarAnimatorColorHSVA>(variable, std::move(h), std::move(s), std::move(v),
                                                                    std::move(a), period));
-}
-
-// One text "x y x y ..." per control point: the path of that point over one cycle.
-inline void addCurveAnimator(ImageMod& mod, ImageModVariable* variable, const std::vector<std::string>& pointTexts,
-                             float seconds)
-{
-    if (!variable || pointTexts.empty())
-        return;
-    const float ft = mod.frameTime();
-    const int32_t period = ft > 0.0f ? int32_t(seconds / ft) : 0;
-    std::vector<std::vector<ImageModVarAnimatorCurve::PointKey>> perPoint;
-    std::vector<int32_t> periods;
-    for (const std::string& text : pointTexts) {
-        const std::vector<float> keys = ImageModVarAnimator::parseKeys(text);
-        std::vector<ImageModVarAnimatorCurve::PointKey> path;
-        for (size_t i = 0; i + 1 < keys.size(); i += 2)
-            path.push_back({keys[i], keys[i + 1]});
-        perPoint.push_back(std::move(path));
-        periods.push_back(period);
-    }
-    mod.addAnimator(std::make_unique<ImageModVarAnimatorCurve>(variable, std::move(perPoint), std::move(periods)));
 }

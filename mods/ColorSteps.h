@@ -4,6 +4,8 @@
 #include "core/ImageModApplyContext.h"
 #include "core/ImageModSelector.h"
 #include "core/ParallelFor.h"
+#include "mods/CurveSteps.h"
+#include "mods/TonalPixelLoop.h"
 
 #include <cstdint>
 
@@ -170,62 +172,17 @@ static inline void hueStep(float& r, float& g, float& b, const ColorStepColor& c
     blendRgb(r, g, b, nr, ng, nb, w * col.s * col.v);
 }
 
-// --- curve table reads ----------------------------------------------------------------------------
-
-// Table read for a value on 0..255 (index c * 2047 / 255), the ends taken as they are.
-static inline float curveRead255(const float* table, float c)
-{
-    const float u = div255(c);
-    if (u >= 1.0f)
-        return table[2047];
-    if (!(u > 0.0f))
-        return table[0];
-    const float i = c * 8.0274515f;
-    const int32_t n = int32_t(i);
-    if (n >= 2047)
-        return table[2047];
-    return (i - float(n)) * table[n + 1] + (float(n + 1) - i) * table[n];
-}
-
-// The same read for a value already on 0..1 (index u * 2047).
-static inline float curveReadUnit(const float* table, float u)
-{
-    if (u >= 1.0f)
-        return table[2047];
-    if (!(u > 0.0f))
-        return table[0];
-    const float i = u * 2047.0f;
-    const int32_t n = int32_t(i);
-    if (n >= 2047)
-        return table[2047];
-    return (i - float(n)) * table[n + 1] + (float(n + 1) - i) * table[n];
-}
-
 // --- the row loop ---------------------------------------------------------------------------------
 
-// Calls fn(pixel, mask) for every pixel, one parallel job per row. mask is 1 without a selector
-// (a constant the compiler folds into fn), else the selector's value at (x, y) on the pixels as
-// they stand, read once before the pixel is touched.
+// fn(pixel, mask) for every pixel, one job per row, through the shared tonal walk. mask is the
+// constant 1 without a selector (or when readMask is false, for the tiles that ignore masks), so
+// the unmasked loop folds it away.
 template <typename Sample, typename Fn>
 static inline void colorRowLoop(FlexImageT<Sample>* image, const ImageModApplyContext* context, bool readMask,
                                 const Fn& fn)
 {
-    if (!image || image->isEmpty())
-        return;
-    const ImageModSelector* selector = (readMask && context) ? context->selector : nullptr;
-    const ReferenceFrame* frame = context ? context->referenceFrame : nullptr;
-    const int32_t width = image->width;
-    const int32_t channels = image->channels;
-    parallelFor(image->height, [&](int32_t y) {
-        Sample* p = image->row(y);
-        if (!selector) {
-            for (int32_t x = 0; x < width; ++x, p += channels)
-                fn(p, 1.0f);
-        } else {
-            for (int32_t x = 0; x < width; ++x, p += channels)
-                fn(p, selector->maskValue(image, x, y, frame));
-        }
-    });
+    forEachPixel(image, readMask ? context : nullptr, [&](Sample* p) { fn(p, 1.0f); },
+                 [&](Sample* p, float m) { fn(p, m); });
 }
 
 // --- the colour methods of the colorize curve -----------------------------------------------------
