@@ -110,10 +110,11 @@ static inline float tintStepHoisted(float c, float kw, float oneMinusW)
 }
 
 // 3. Filter: a channel below 127.5 darkens proportionally, above it lightens towards 255; 127.5 is
-// neutral.
+// neutral. f = k / 127.5 by division: the float reciprocal 0.007843138 times 127.5 rounds to one
+// unit below 1, which would pull an 8-bit 200 down to 199 at the neutral colour.
 static inline float filterStep(float c, float k, float w)
 {
-    const float f = k * 0.007843138f;
+    const float f = k / 127.5f;
     if (k <= 127.5f)
         return clamp0To255(c + (f - 1.0f) * w * c);
     return clamp0To255(c + (f - 1.0f) * w * (255.0f - c));
