@@ -148,30 +148,40 @@ struct CorrectorParams {
     float amount;
 };
 
-template <typename Sample>
-void applyColorCorrector(const CorrectorParams& prm, FlexImageT<Sample>* image)
+template <int32_t CC, typename Sample>
+void applyColorCorrectorChannels(const CorrectorParams& prm, FlexImageT<Sample>* image)
 {
-    const int32_t cc = colorChannelsOf(image->channels);
     colorRowLoop(image, nullptr, false, [&](Sample* p, float) {
         float px[3] = {0.0f, 0.0f, 0.0f};
-        for (int32_t c = 0; c < cc; ++c)
+        for (int32_t c = 0; c < CC; ++c)
             px[c] = sampleValue(p[c]);
-        const float y = cc < 3 ? px[0] : luminance(px[0], px[1], px[2]);
+        const float y = CC < 3 ? px[0] : luminance(px[0], px[1], px[2]);
         float w[3];
         for (int32_t r = 0; r < 3; ++r)
             w[r] = float(double(curveRead255(prm.tables[r], y) * prm.amount) * 0.3);
         // The three-region pass runs once per colour channel; old looks are built on the
         // stronger result, so the repetition stays.
-        for (int32_t rep = 0; rep < cc; ++rep) {
+        for (int32_t rep = 0; rep < CC; ++rep) {
             for (int32_t r = 0; r < 3; ++r) {
                 const ColorStepColor& col = prm.colors[r];
-                for (int32_t c = 0; c < cc; ++c)
+                for (int32_t c = 0; c < CC; ++c)
                     px[c] = colorizeStep(px[c], col.k[c], col.mean, w[r]);
             }
         }
-        for (int32_t c = 0; c < cc; ++c)
+        for (int32_t c = 0; c < CC; ++c)
             storeSample(p + c, px[c]);
     });
+}
+
+template <typename Sample>
+void applyColorCorrector(const CorrectorParams& prm, FlexImageT<Sample>* image)
+{
+    if (image->channels >= 3)
+        applyColorCorrectorChannels<3>(prm, image);
+    else if (image->channels == 2)
+        applyColorCorrectorChannels<2>(prm, image);
+    else
+        applyColorCorrectorChannels<1>(prm, image);
 }
 
 } // namespace

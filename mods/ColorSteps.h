@@ -202,9 +202,14 @@ enum ColorMethod : int32_t {
 };
 
 // Methods that need a full RGB pixel.
-static inline bool colorMethodNeedsRgb(int32_t method)
+constexpr bool colorMethodNeedsRgbConst(int32_t method)
 {
     return method == kColorMethodDye || method == kColorMethodHue;
+}
+
+static inline bool colorMethodNeedsRgb(int32_t method)
+{
+    return colorMethodNeedsRgbConst(method);
 }
 
 // Colours the first cc channels of px (cc of 3 for the RGB methods) at the signed weight w. A

@@ -16,21 +16,35 @@ struct ColorizeCurveParams {
     bool currentDye = false;
 };
 
+template <int32_t Method, int32_t CC, typename Sample>
+void runColorizeCurveChannels(FlexImageT<Sample>* image, const ImageModApplyContext* context,
+                              const ColorizeCurveParams& prm)
+{
+    colorRowLoop(image, context, true, [&](Sample* p, float m) {
+        float px[3] = {0.0f, 0.0f, 0.0f};
+        for (int32_t c = 0; c < CC; ++c)
+            px[c] = sampleValue(p[c]);
+        const float y = CC < 3 ? px[0] : luminance(px[0], px[1], px[2]);
+        const float t = curveRead255(prm.table, y);
+        const float w = 2.0f * prm.amount * (t - 0.5f) * m;
+        colorMethodPixel<Method>(px, CC, w, prm.pos, prm.neg, prm.currentDye);
+        for (int32_t c = 0; c < CC; ++c)
+            storeSample(p + c, px[c]);
+    });
+}
+
+// The channel count is a constant in the loop, so the RGB case unrolls.
 template <int32_t Method, typename Sample>
 void runColorizeCurve(FlexImageT<Sample>* image, const ImageModApplyContext* context, const ColorizeCurveParams& prm)
 {
-    const int32_t cc = image->channels < 3 ? image->channels : 3;
-    colorRowLoop(image, context, true, [&](Sample* p, float m) {
-        float px[3] = {0.0f, 0.0f, 0.0f};
-        for (int32_t c = 0; c < cc; ++c)
-            px[c] = sampleValue(p[c]);
-        const float y = cc < 3 ? px[0] : luminance(px[0], px[1], px[2]);
-        const float t = curveRead255(prm.table, y);
-        const float w = 2.0f * prm.amount * (t - 0.5f) * m;
-        colorMethodPixel<Method>(px, cc, w, prm.pos, prm.neg, prm.currentDye);
-        for (int32_t c = 0; c < cc; ++c)
-            storeSample(p + c, px[c]);
-    });
+    if (image->channels >= 3)
+        runColorizeCurveChannels<Method, 3>(image, context, prm);
+    else if constexpr (!colorMethodNeedsRgbConst(Method)) {
+        if (image->channels == 2)
+            runColorizeCurveChannels<Method, 2>(image, context, prm);
+        else
+            runColorizeCurveChannels<Method, 1>(image, context, prm);
+    }
 }
 
 template <typename Sample>
