@@ -10,6 +10,8 @@
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <ftw.h>
+#include <vector>
 
 namespace {
 
@@ -303,4 +305,52 @@ TEST_F(FilterArchiveTest, ResourceArchivesGoThroughAPrivateCopy)
         qunsetenv("TMPDIR");
     else
         qputenv("TMPDIR", oldTmp);
+}
+
+namespace {
+
+// Lists and removes by bytes: flipped names need not be valid text, which Qt can't handle.
+std::vector<std::string> gWalked;
+int collect(const char* path, const struct stat*, int, struct FTW*)
+{
+    gWalked.push_back(path);
+    return 0;
+}
+int removeOne(const char* path, const struct stat*, int, struct FTW*)
+{
+    return ::remove(path);
+}
+std::vector<std::string> walk(const std::string& root)
+{
+    gWalked.clear();
+    ::nftw(root.c_str(), collect, 16, FTW_PHYS);
+    return gWalked;
+}
+
+} // namespace
+
+TEST_F(FilterArchiveTest, FlippedBytesStayInsideTheTarget)
+{
+    const std::string inner = Pack().file("in.vnf", "inside").file("sub/x.vnf", "x").bytes;
+    const std::string good = Pack().file("a.vnf", "aaaa").file("g.mvr", inner).empty().file("b/c.vnf", "cc").bytes;
+    uint32_t seed = 99;
+    auto next = [&seed]() {
+        seed = seed * 1664525u + 1013904223u;
+        return seed >> 8;
+    };
+    // Bytes that turn names into traversals or lengths into nonsense.
+    const char nasty[] = { '.', '/', '\\', '\0', char(0xff), 'E', 'F' };
+    const std::string fz = dir.filePath("fz").toStdString();
+    for (int round = 0; round < 300; ++round) {
+        std::string bytes = good;
+        const int flips = 1 + int(next() % 4);
+        for (int f = 0; f < flips; ++f)
+            bytes[next() % bytes.size()] = nasty[next() % sizeof nasty];
+        const int status = extractArchive(archive(bytes, "fz.mvr"), fz + "/t");
+        EXPECT_GE(status, 0);
+        for (const std::string& p : walk(fz))
+            EXPECT_TRUE(p == fz || p.rfind(fz + "/t", 0) == 0) << round << " " << p;
+        EXPECT_EQ(walk(dir.filePath("outside").toStdString()).size(), 1u) << round;
+        ::nftw(fz.c_str(), removeOne, 16, FTW_DEPTH | FTW_PHYS);
+    }
 }
