@@ -54,3 +54,19 @@ int parseTruncatedInt(std::string_view text)
         return INT_MIN;
     return int(v);
 }
+
+std::vector<double> parseFloatList(std::string_view text, size_t maxCount)
+{
+    std::vector<double> out;
+    const std::string s(text);
+    const char* at = s.c_str();
+    while (out.size() < maxCount) {
+        char* end = nullptr;
+        const double v = cLocale() == locale_t(0) ? std::strtod(at, &end) : strtod_l(at, &end, cLocale());
+        if (end == at)
+            break;
+        out.push_back(v);
+        at = end;
+    }
+    return out;
+}
