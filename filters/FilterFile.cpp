@@ -125,11 +125,28 @@ void modToXml(const ImageMod& mod, XmlNode& parent)
     }
 }
 
+// Each use of a group copies it whole, so a small hostile file of groups that name earlier
+// groups would grow exponentially; past this many tiles, further copies fail like unknown mods.
+constexpr size_t kMaxModsPerFile = 100000;
+
 struct ReadContext {
     const ModCatalogue& catalogue;
     std::vector<const ImageMod*> defined; // groups of this file, in reading order
     int32_t& status;
+    size_t made = 0;
 };
+
+size_t modCount(const ImageMod& mod)
+{
+    size_t n = 1;
+    if (mod.kind() == ImageModCompound::compoundKind) {
+        if (const auto* g = dynamic_cast<const ImageModCompound*>(&mod)) {
+            for (const auto& c : g->children)
+                n += c ? modCount(*c) : 0;
+        }
+    }
+    return n;
+}
 
 std::unique_ptr<ImageMod> readMod(const XmlNode& element, ReadContext& ctx)
 {
@@ -139,14 +156,29 @@ std::unique_ptr<ImageMod> readMod(const XmlNode& element, ReadContext& ctx)
     // "alias" is read by older releases and has no effect.
 
     std::unique_ptr<ImageMod> mod;
+    const ImageMod* group = nullptr;
     for (const ImageMod* d : ctx.defined) {
         if (d && d->name == name)
-            mod = d->newInstance();
+            group = d;
     }
-    if (!mod) {
+    if (group) {
+        const size_t size = modCount(*group);
+        if (ctx.made + size > kMaxModsPerFile) {
+            ctx.status = kFilterReadDamaged;
+            return nullptr;
+        }
+        ctx.made += size;
+        mod = group->newInstance();
+    }
+    if (!mod && !group) {
+        const ImageMod* match = nullptr;
         for (const auto& c : ctx.catalogue) {
             if (c && c->name == name)
-                mod = c->newInstance();
+                match = c.get();
+        }
+        if (match && ctx.made < kMaxModsPerFile) {
+            ++ctx.made;
+            mod = match->newInstance();
         }
     }
     if (!mod) {

@@ -479,3 +479,26 @@ TEST(FilterFileReader, LastCatalogueMatchWins)
     ASSERT_EQ(mods.size(), 1u);
     EXPECT_EQ(mods[0]->variableCount(), 3);
 }
+
+TEST(FilterFileReader, GroupsNamingGroupsCannotExplode)
+{
+    // Each level holds ten copies of the one before: 10^12 tiles if nothing stopped it.
+    std::string text = "<filter version=\"4\"><submod name=\"L0\"><mod name=\"Paper\"></mod></submod>";
+    for (int level = 1; level <= 12; ++level) {
+        text += "<submod name=\"L" + std::to_string(level) + "\">";
+        for (int i = 0; i < 10; ++i)
+            text += "<mod name=\"L" + std::to_string(level - 1) + "\"></mod>";
+        text += "</submod>";
+    }
+    text += "<mod name=\"Paper\"></mod></filter>";
+    const ModCatalogue catalogue = makeCatalogue();
+    int32_t status = -1;
+    const ModList mods = parseText(text, catalogue, status);
+    EXPECT_EQ(status, kFilterReadDamaged);
+    ASSERT_EQ(mods.size(), 14u);
+    EXPECT_EQ(mods.back()->name, "Paper");
+    // The levels that fit are whole.
+    const auto* l3 = dynamic_cast<const ImageModCompound*>(mods[3].get());
+    ASSERT_NE(l3, nullptr);
+    EXPECT_EQ(l3->children.size(), 10u);
+}
