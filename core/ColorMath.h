@@ -72,47 +72,36 @@ inline void rgbToHsvInline(float r, float g, float b, float& h, float& s, float&
     const float mn = minOf3(rf, gf, bf);
     const float d = mx - mn;
     const float m = 60.0f * (1.0f / d);
-    float hue;
-    if (mx == rf)
-        hue = (gf - bf) * m;
-    else if (mx == gf)
-        hue = (bf - rf) * m + 120.0f;
-    else
-        hue = (rf - gf) * m + 240.0f;
-    float sat = d / mx;
-    if (std::isinf(hue) || std::isnan(hue)) {
-        hue = 0.0f;
-        sat = 0.0f;
-    }
-    if (hue < 0.0f)
-        hue += 360.0f;
-    else if (hue >= 360.0f)
-        hue -= 360.0f;
+    float hue = mx == rf ? (gf - bf) * m : mx == gf ? (bf - rf) * m + 120.0f : (rf - gf) * m + 240.0f;
+    // |hue| < inf is false for both infinities and NaN.
+    const bool finite = std::fabs(hue) < INFINITY;
+    hue = finite ? hue : 0.0f;
+    hue = hue < 0.0f ? hue + 360.0f : hue >= 360.0f ? hue - 360.0f : hue;
     h = hue;
-    s = sat;
+    s = finite ? d / mx : 0.0f;
     v = mx;
 }
 
 inline void hsvToRgbInline(float h, float s, float v, float& r, float& g, float& b)
 {
-    if (h < 0.0f)
-        h += 360.0f * (1.0f + std::trunc(h * (-1.0f / 360.0f)));
-    if (h >= 360.0f)
-        h -= 360.0f * std::trunc(h / 360.0f);
+    // Selects instead of branches and a sector kept as a float, so the loop if-converts.
+    h = h < 0.0f ? h + 360.0f * (1.0f + std::trunc(h * (-1.0f / 360.0f))) : h;
+    h = h >= 360.0f ? h - 360.0f * std::trunc(h / 360.0f) : h;
     const float x = h / 360.0f * 6.0f;
     const float f = std::floor(x);
     const float q = x - f;
     const float p = (1.0f - s) * v;
     const float qq = (1.0f - q * s) * v;
     const float t = (1.0f - (1.0f - q) * s) * v;
-    // Sector 6 (h rounding up to 360) is sector 0 again; so is a NaN hue, which never indexes.
-    const int32_t sector = (f >= 0.0f && f < 6.0f) ? int32_t(f) : 0;
-    float rr = v, gg = t, bb = p;
-    rr = (sector == 1) ? qq : (sector == 2 || sector == 3) ? p : (sector == 4) ? t : rr;
-    gg = (sector == 1 || sector == 2) ? v : (sector == 3) ? qq : (sector >= 4) ? p : gg;
-    bb = (sector == 2) ? t : (sector == 3 || sector == 4) ? v : (sector == 5) ? qq : bb;
-    if (s == 0.0f)
-        rr = gg = bb = v;
+    // Sector 6 (h rounding up to 360) and a NaN hue fall through to sector 0.
+    const bool s1 = f == 1.0f, s2 = f == 2.0f, s3 = f == 3.0f, s4 = f == 4.0f, s5 = f == 5.0f;
+    float rr = s1 ? qq : (s2 | s3) ? p : s4 ? t : v;
+    float gg = (s1 | s2) ? v : s3 ? qq : (s4 | s5) ? p : t;
+    float bb = s2 ? t : (s3 | s4) ? v : s5 ? qq : p;
+    const bool grey = s == 0.0f;
+    rr = grey ? v : rr;
+    gg = grey ? v : gg;
+    bb = grey ? v : bb;
     r = rr * 255.0f;
     g = gg * 255.0f;
     b = bb * 255.0f;
