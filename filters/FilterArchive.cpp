@@ -346,8 +346,11 @@ void Extractor::run(std::FILE* in, const Components& prefix, int depth)
 
 int extractArchive(const std::string& archivePath, const std::string& targetFolder)
 {
+    // An empty target would become "/", the root of the file system.
+    if (targetFolder.empty())
+        return kArchiveWriteFailed;
     std::string target = targetFolder;
-    if (target.empty() || (target.back() != '/' && target.back() != '\\'))
+    if (target.back() != '/' && target.back() != '\\')
         target += '/';
     std::FILE* in = std::fopen(archivePath.c_str(), "rb");
     if (!in)

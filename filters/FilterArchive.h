@@ -16,7 +16,7 @@ enum ArchiveStatus : int {
     kArchiveTruncated = 2, // the input ended inside a record; the last file is cut short
     kArchiveBadRecord = 4, // an unknown tag or an impossible name length ended the reading
     kArchiveNameRefused = 8, // a record would have written outside the target and was skipped
-    kArchiveWriteFailed = 16, // a file or folder could not be made; reading went on
+    kArchiveWriteFailed = 16, // a file or folder could not be made (or no target was given)
     kArchiveTooDeep = 32, // archives nested beyond the limit were left packed
 };
 

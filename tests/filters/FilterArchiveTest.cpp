@@ -145,6 +145,7 @@ TEST_F(FilterArchiveTest, EmptyAndMissingArchives)
     EXPECT_EQ(extractArchive(archive(""), targetStr()), kArchiveOk);
     EXPECT_FALSE(QFileInfo::exists(target()));
 
+    EXPECT_EQ(extractArchive(archive(Pack().file("x.vnf", "x").bytes, "x.mvr"), ""), kArchiveWriteFailed);
     EXPECT_EQ(extractArchive(dir.filePath("absent.mvr").toStdString(), targetStr()), kArchiveNotOpened);
     EXPECT_FALSE(QFileInfo::exists(target()));
 
