@@ -79,7 +79,11 @@ PresetLibrary::StartupResult PresetLibrary::startupCheck(MultiData& prefs)
                 result.archiveNumber = n;
             break;
         }
-        updated_ = result.archiveNumber > 0;
+        // Without a backup the user's edits to the former set would be overwritten: try again
+        // at the next start.
+        if (result.archiveNumber == 0)
+            return result;
+        updated_ = true;
     }
     result.archiveStatus = extractResourceArchive(defaultSetArchive_, presetsFolder());
     result.unpacked = (result.archiveStatus & kArchiveNotOpened) == 0;

@@ -33,7 +33,8 @@ public:
     // Makes the folders, and when the stored DefaultFiltersVersion differs from the set the
     // program carries: backs up what stands in Presets/ (when it holds anything), unpacks the
     // default set over it (other groups, "My Presets" among them, stay), and stores the new
-    // version in prefs. The caller writes prefs to disk.
+    // version in prefs. When the backup can't be made nothing is unpacked. The caller writes
+    // prefs to disk.
     StartupResult startupCheck(MultiData& prefs);
     // Set when the start-up check replaced an earlier set: the main window shows "Filters
     // Updated" once its panels stand.

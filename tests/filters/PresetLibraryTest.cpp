@@ -143,6 +143,22 @@ TEST_F(PresetLibraryTest, MissingDefaultSetKeepsTheStoredVersion)
     EXPECT_TRUE(QFileInfo(presets()).isDir());
 }
 
+TEST_F(PresetLibraryTest, NoBackupMeansNoOverwrite)
+{
+    PresetLibrary lib(data.toStdString(), bundle.toStdString());
+    MultiData prefs;
+    lib.startupCheck(prefs);
+    spit(presets() + "Color Essentials/Warm Fade.vnf", "my edit");
+    spit(data + "Presets Archive", "a file where the archive folder belongs");
+    prefs.setFloat(PrefKeys::kDefaultFiltersVersion, 3.0f);
+    const PresetLibrary::StartupResult r = lib.startupCheck(prefs);
+    EXPECT_FALSE(r.unpacked);
+    EXPECT_EQ(r.archiveNumber, 0);
+    EXPECT_FALSE(lib.filtersUpdated());
+    EXPECT_EQ(slurp(presets() + "Color Essentials/Warm Fade.vnf"), "my edit");
+    EXPECT_EQ(prefs.getFloat(PrefKeys::kDefaultFiltersVersion, 0.0f), 3.0f);
+}
+
 TEST_F(PresetLibraryTest, SavingToPresets)
 {
     PresetLibrary lib(data.toStdString(), bundle.toStdString());
