@@ -86,7 +86,9 @@ void advancedContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext*
     forEachPixel(
         image, context, [=](Sample* p) { advancedContrastPixel(p, channels, colour, method, center, e); },
         [=](Sample* p, float m) {
-            advancedContrastPixel(p, channels, colour, method, center, powerPairExponent(maskRuleA(amount, m)));
+            const float a = maskRuleA(amount, m);
+            if (a != 1.0f)
+                advancedContrastPixel(p, channels, colour, method, center, powerPairExponent(a));
         });
 }
 

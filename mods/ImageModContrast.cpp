@@ -21,7 +21,11 @@ void contrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context
     const float e = powerPairExponent(amount);
     forEachPixel(
         image, context, [=](Sample* p) { contrastPixel(p, colour, center, e); },
-        [=](Sample* p, float m) { contrastPixel(p, colour, center, powerPairExponent(maskRuleA(amount, m))); });
+        [=](Sample* p, float m) {
+            const float a = maskRuleA(amount, m);
+            if (a != 1.0f)
+                contrastPixel(p, colour, center, powerPairExponent(a));
+        });
 }
 
 } // namespace

@@ -16,7 +16,9 @@ void luminanceContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext
     forEachPixel(
         image, context, [=](Sample* p) { luminanceContrastPixel(p, channels, colour, center, e); },
         [=](Sample* p, float m) {
-            luminanceContrastPixel(p, channels, colour, center, powerPairExponent(maskRuleA(amount, m)));
+            const float a = maskRuleA(amount, m);
+            if (a != 1.0f)
+                luminanceContrastPixel(p, channels, colour, center, powerPairExponent(a));
         });
 }
 

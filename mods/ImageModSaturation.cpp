@@ -28,7 +28,11 @@ void saturationPass(FlexImageT<Sample>* image, const ImageModApplyContext* conte
     const float v = saturationFactor(amount);
     forEachPixel(
         image, context, [=](Sample* p) { saturatePixel(p, channels, colour, v, root); },
-        [=](Sample* p, float m) { saturatePixel(p, channels, colour, saturationFactor(maskRuleA(amount, m)), root); });
+        [=](Sample* p, float m) {
+            const float a = maskRuleA(amount, m);
+            if (a != 1.0f)
+                saturatePixel(p, channels, colour, saturationFactor(a), root);
+        });
 }
 
 } // namespace
