@@ -149,3 +149,29 @@ TEST(TonalDeclarations, EmptyOrNullImagesAreIgnored)
         expectCardChanged(*mod);
     }
 }
+
+TEST(TonalDeclarations, MaskZeroLeavesEveryMaskedTileAlone)
+{
+    for (const TonalDeclaration& d : tonalDeclarations()) {
+        std::unique_ptr<ImageMod> mod = d.make();
+        if (mod->name == "Gamma")
+            continue;  // reads no mask
+        for (int32_t i = 0; i < mod->variableCount(); ++i) {
+            ImageModVariable* v = mod->variableAt(i);
+            if (v->name == "Amount")
+                v->setFloatValue(0.4f);
+            else if (mod->name == "Multi Tool")
+                v->setFloatValue(85.0f);
+            else if (mod->name == "Shadows/Highlights")
+                v->setFloatValue(0.6f);
+            mod->variableChanged(i);
+        }
+        CurveTestMask none(0.0f);
+        expectCardUntouched(*mod, &none);
+        // Multi Tool below version 2 runs the old gamma stage, which reads no mask either.
+        const bool regionTile = mod->name == "Shadows" || mod->name == "Highlights";
+        mod->setVersion(regionTile || mod->name == "Multi Tool" ? 2 : 1);
+        expectCardUntouched(*mod, &none);
+        expectCardChanged(*mod);
+    }
+}

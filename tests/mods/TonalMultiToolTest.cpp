@@ -58,4 +58,7 @@ TEST(TonalMultiTool, StagesRunInOrderWithTheMask)
     CurveTestMask none(0.0f);
     auto all = multiTool(80, 65, 70);
     expectCardUntouched(*all, &none);
+    // Version 1 exposure is the old gamma tile, which acts regardless of the mask.
+    auto old = multiTool(75, 50, 50, 1);
+    expectPixelNear(tonalApply<FlexImageFloat>(*old, {0, 127.5f, 255}, &none), {0.0999902f, 191.25f, 255});
 }
