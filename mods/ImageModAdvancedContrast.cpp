@@ -76,7 +76,7 @@ template <typename Sample>
 void advancedContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount,
                           float center, int32_t method)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount) || !std::isfinite(center))
         return;
     if (method < ImageModAdvancedContrast::methodRgb || method > ImageModAdvancedContrast::methodLightness)
         return;

@@ -3,6 +3,8 @@
 #include "mods/TonalPixelLoop.h"
 #include "mods/TonalSteps.h"
 
+#include <cmath>
+
 namespace {
 
 template <typename Sample>
@@ -15,7 +17,7 @@ static inline void contrastPixel(Sample* p, int32_t colorChannels, float center,
 template <typename Sample>
 void contrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, float center)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount) || !std::isfinite(center))
         return;
     const int32_t colour = image->colorChannels;
     const float e = powerPairExponent(amount);

@@ -3,12 +3,14 @@
 #include "mods/TonalPixelLoop.h"
 #include "mods/TonalSteps.h"
 
+#include <cmath>
+
 namespace {
 
 template <typename Sample>
 void luminanceContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, float center)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount) || !std::isfinite(center))
         return;
     const int32_t channels = image->channels;
     const int32_t colour = image->colorChannels;

@@ -13,7 +13,9 @@
 #include "mods/ImageModShadows.h"
 #include "mods/ImageModShadowsMidsHighs.h"
 
+#include <cmath>
 #include <functional>
+#include <limits>
 
 namespace {
 
@@ -173,5 +175,22 @@ TEST(TonalDeclarations, MaskZeroLeavesEveryMaskedTileAlone)
         mod->setVersion(regionTile || mod->name == "Multi Tool" ? 2 : 1);
         expectCardUntouched(*mod, &none);
         expectCardChanged(*mod);
+    }
+}
+
+TEST(TonalDeclarations, NonFiniteValuesLeaveTheImageAlone)
+{
+    for (const TonalDeclaration& d : tonalDeclarations()) {
+        std::unique_ptr<ImageMod> mod = d.make();
+        if (mod->variableAt(0)->name != "Amount")
+            continue;
+        mod->variableAt(0)->setFloatValue(std::nanf(""));
+        expectCardUntouched(*mod);
+        mod->variableAt(0)->setFloatValue(1.5f);
+        if (mod->variableCount() > 1 && mod->variableAt(1)->name == "Center") {
+            mod->variableAt(1)->data->value = std::numeric_limits<float>::infinity();
+            mod->setVersion(1);
+            expectCardUntouched(*mod);
+        }
     }
 }
