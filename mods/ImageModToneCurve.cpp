@@ -18,6 +18,9 @@ template <typename Sample>
 static inline void toneCurvePixel(Sample* p, int32_t channels, int32_t colorChannels, const float* table,
                                   int32_t method, float s)
 {
+    // Strength 0 (a masked-out pixel) is no change; the colour-space round trips are not exact.
+    if (s == 0.0f)
+        return;
     if (method == ImageModToneCurve::methodLuminance) {
         luminanceCurvePixelAny(p, channels, colorChannels, table, s);
         return;

@@ -181,3 +181,39 @@ TEST(ToneCurveMod, MaskScalesStrength)
     expectToneCurveMask<FlexImageFloat>();
     expectToneCurveMask<FlexImage8>();
 }
+
+TEST(ToneCurveMod, IdentityIsDecidedByPointsNotByShape)
+{
+    // The straight line through a middle point is not the identity list, so the 8-bit RGB branch
+    // runs and reads entry 0 for every channel below 255: the pixel goes black. The two-point
+    // identity skips all work and leaves it.
+    ImageModToneCurve mod;
+    auto b = curveTestImage<FlexImage8>({{10.0f, 128.0f, 255.0f}});
+    mod.apply(b.get(), nullptr);
+    EXPECT_EQ(b->data[0], 10);
+    setCurve(mod, 1, "0 0 .5 .5 1 1");
+    mod.apply(b.get(), nullptr);
+    EXPECT_EQ(b->data[0], 0);
+    EXPECT_EQ(b->data[1], 0);
+    EXPECT_EQ(b->data[2], 255);
+    // The float branch interpolates and stays close to the input.
+    auto f = curveTestImage<FlexImageFloat>({{10.0f, 128.0f, 255.0f}});
+    mod.apply(f.get(), nullptr);
+    EXPECT_NEAR(f->data[0], 10.0f, 0.01f);
+    EXPECT_NEAR(f->data[1], 128.0f, 0.01f);
+}
+
+TEST(ToneCurveMod, GreyImageUsesChannelZero)
+{
+    for (int32_t method = 0; method < 4; ++method) {
+        ImageModToneCurve mod;
+        setCurve(mod, 1, "0 .5 1 .5");
+        setChoice(mod, 2, method);
+        FlexImageFloat grey(2, 1, 1);
+        grey.data[0] = 40.0f;
+        grey.data[1] = 200.0f;
+        mod.apply(&grey, nullptr);
+        EXPECT_NEAR(grey.data[0], 127.5f, 1e-3) << method;
+        EXPECT_NEAR(grey.data[1], 127.5f, 1e-3) << method;
+    }
+}
