@@ -9,8 +9,9 @@
 
 namespace {
 
-constexpr float kInv255 = 0.00392156862745098f;
-constexpr float kInv65535 = 1.52590218966964e-05f;
+// Double, so that a sample at full alpha divides back to itself (100 / (100 / 255) is 255, not 254.99).
+constexpr double kInv255 = 0.00392156862745098;
+constexpr double kInv65535 = 1.52590218966964e-05;
 constexpr float kOf16Bit = 0.0038910506f; // 1 / 257
 
 struct Offsets {
@@ -22,11 +23,11 @@ Offsets offsetsFor(int32_t alphaInfo)
 }
 
 // Division of a premultiplied sample by its alpha; alpha 0 gives colour 0.
-static inline float unpremultiply(float colour, float alphaScaled)
+static inline float unpremultiply(float colour, double alphaScaled)
 {
-    if (!(alphaScaled > 0.0f))
+    if (!(alphaScaled > 0.0))
         return 0.0f;
-    return colour * (1.0f / alphaScaled);
+    return float(double(colour) * (1.0 / alphaScaled));
 }
 
 template <typename T>
@@ -50,7 +51,7 @@ static inline void sidePixel(const uint8_t* src, int32_t depth, const Offsets& o
         rgba[2] = src[o.b];
         rgba[3] = hasAlpha ? float(src[o.a]) : 255.0f;
         if (hasAlpha && premultiplied) {
-            const float a = rgba[3] * kInv255;
+            const double a = rgba[3] * kInv255;
             for (int c = 0; c < 3; ++c)
                 rgba[c] = unpremultiply(rgba[c], a);
         }
@@ -59,7 +60,7 @@ static inline void sidePixel(const uint8_t* src, int32_t depth, const Offsets& o
         std::memcpy(s, src, sizeof(uint16_t) * (hasAlpha || o.r ? 4 : 3));
         float v[4] = {float(s[o.r]), float(s[o.g]), float(s[o.b]), hasAlpha ? float(s[o.a]) : 65535.0f};
         if (hasAlpha && premultiplied) {
-            const float a = v[3] * kInv65535;
+            const double a = v[3] * kInv65535;
             for (int c = 0; c < 3; ++c)
                 v[c] = std::trunc(unpremultiply(v[c], a));
         }
@@ -104,11 +105,11 @@ bool copyToImage(const MediaBitmap& bmp, int32_t orientation, FlexImageT<T>& des
 }
 
 template <typename T>
-static inline void compactPixel(const T* src, const Offsets& o, bool hasAlpha, bool premultiplied, float inv, T* dst)
+static inline void compactPixel(const T* src, const Offsets& o, bool hasAlpha, bool premultiplied, double inv, T* dst)
 {
     T a = hasAlpha ? src[o.a] : T(0);
     if (hasAlpha && premultiplied) {
-        const float scale = float(a) * inv;
+        const double scale = double(a) * inv;
         const float top = float(T(~T(0)));
         for (int c = 0; c < 3; ++c) {
             const float v = unpremultiply(float(src[c == 0 ? o.r : (c == 1 ? o.g : o.b)]), scale);
@@ -130,7 +131,7 @@ void copyToCompact(const MediaBitmap& bmp, const OrientationMap& map, bool hasAl
     const bool premultiplied = mediaAlphaIsPremultiplied(bmp.alphaInfo);
     const int32_t spp = bmp.samplesPerPixel();
     const int32_t dc = out.channels;
-    const float inv = sizeof(T) == 1 ? kInv255 : kInv65535;
+    const double inv = sizeof(T) == 1 ? kInv255 : kInv65535;
     const MediaBitmap* b = &bmp;
     CompactImage* d = &out;
     parallelFor(bmp.height, [=](int32_t y) {
