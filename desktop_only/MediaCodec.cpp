@@ -56,6 +56,20 @@ public:
         }
         return {};
     }
+    std::vector<std::string> keys() const override
+    {
+        std::vector<std::string> all;
+        try {
+            for (const auto& d : exif)
+                all.push_back(d.key());
+            for (const auto& d : iptc)
+                all.push_back(d.key());
+            for (const auto& d : xmp)
+                all.push_back(d.key());
+        } catch (...) {
+        }
+        return all;
+    }
     bool remove(const std::string& key) override
     {
         try {
@@ -399,19 +413,34 @@ std::string makeTemporaryBeside(const std::string& target)
     return std::string(buf.data());
 }
 
-bool writeProperties(const std::string& path, const MediaProperties* properties)
+// The JPEG writer of OpenImageIO 2.4 garbles the last segment of a profile that needs many APP2
+// segments, so JPEG profiles are written here instead.
+bool profileGoesThroughExiv2(const std::string& path)
+{
+    const std::string ext = mediaPathExtension(path);
+    return ext == "jpg" || ext == "jpeg";
+}
+
+bool writeProperties(const std::string& path, const MediaProperties* properties, const std::vector<uint8_t>& icc)
 {
     const auto* props = dynamic_cast<const Exiv2MediaProperties*>(properties);
-    if (!props || props->isEmpty())
+    const bool withProps = props && !props->isEmpty();
+    if (!withProps && icc.empty())
         return true;
     quietExiv2();
     auto image = Exiv2::ImageFactory::open(path);
     if (!image.get())
         return false;
     image->readMetadata(); // keeps the profile the pixel writer embedded
-    image->setExifData(props->exif);
-    image->setIptcData(props->iptc);
-    image->setXmpData(props->xmp);
+    if (withProps) {
+        image->setExifData(props->exif);
+        image->setIptcData(props->iptc);
+        image->setXmpData(props->xmp);
+    }
+    if (!icc.empty()) {
+        Exiv2::DataBuf buf(icc.data(), long(icc.size()));
+        image->setIccProfile(buf, true);
+    }
     image->writeMetadata();
     return true;
 }
@@ -433,7 +462,7 @@ bool writePixels(const MediaEncodeRequest& req, const std::string& tmp)
     spec.attribute("CompressionQuality", std::max(quality, 1));
     if (mediaPathExtension(req.path) == "jpg" || mediaPathExtension(req.path) == "jpeg")
         spec.attribute("Compression", "jpeg:" + std::to_string(std::max(quality, 1)));
-    if (!req.iccProfile.empty() && isRgbIccProfile(req.iccProfile))
+    if (!req.iccProfile.empty() && isRgbIccProfile(req.iccProfile) && !profileGoesThroughExiv2(req.path))
         spec.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, int(req.iccProfile.size())),
                        req.iccProfile.data());
     const OIIO::stride_t xstride = OIIO::stride_t(img.channels * img.bytesPerSample());
@@ -466,7 +495,9 @@ bool encodeMediaFile(const MediaEncodeRequest& req)
         return false;
     bool ok = false;
     try {
-        ok = writePixels(req, tmp) && writeProperties(tmp, req.properties);
+        const bool exivProfile = profileGoesThroughExiv2(req.path) && isRgbIccProfile(req.iccProfile);
+        ok = writePixels(req, tmp)
+            && writeProperties(tmp, req.properties, exivProfile ? req.iccProfile : std::vector<uint8_t>());
     } catch (...) {
         ok = false;
     }

@@ -15,6 +15,8 @@ public:
     virtual bool has(const std::string& key) const = 0;
     // The value as text ("" when absent).
     virtual std::string value(const std::string& key) const = 0;
+    // Every key, in the file's order (a key may repeat).
+    virtual std::vector<std::string> keys() const = 0;
     // Removes every entry of that key; true if one existed.
     virtual bool remove(const std::string& key) = 0;
 };
