@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QSaveFile>
+#include <QStandardPaths>
 #include <QString>
 
 #include <algorithm>
@@ -113,7 +114,8 @@ bool readImage(const std::string& path, FlexImageT<T>& image)
     if (!readHeader(file, path, w, h))
         return false;
     int32_t c = image.channels < 1 ? 3 : image.channels;
-    if (!FlexImageT<T>::sizeFits(w, h, c))
+    // The document's float copy has up to 4 channels: refuse what it could not address.
+    if (!FlexImageT<T>::sizeFits(w, h, c) || !FlexImageFloat::sizeFits(w, h, 4))
         return false;
     if (image.data == nullptr || image.width != int32_t(w) || image.height != int32_t(h) || image.channels != c)
         image.resize(int32_t(w), int32_t(h), c); // a new 4-channel image starts opaque
@@ -179,4 +181,10 @@ bool ReadNativeImage(const std::string& path, CompactImage& image)
     for (int32_t y = 0; y < int32_t(h); ++y)
         readRow(file, image.row8(y), int64_t(image.rowBytes()));
     return true;
+}
+
+std::string displayImageDataPath()
+{
+    return (QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/com.vantrel.photo/DisplayImage.dat")
+        .toStdString();
 }

@@ -21,3 +21,8 @@ bool ReadNativeImage(const std::string& path, FlexImage8& image);
 bool ReadNativeImage(const std::string& path, FlexImageFloat& image);
 // Reads into an 8-bit RGBA compact image.
 bool ReadNativeImage(const std::string& path, CompactImage& image);
+
+// Where a viewport keeps its display image for a host: "DisplayImage.dat" in the data folder.
+// It holds the native format, read and written by explicit calls above; the loaders' dispatch by
+// extension never takes it for a native file.
+std::string displayImageDataPath();
