@@ -1,0 +1,39 @@
+#include "core/ImageModSelectorPointerArray.h"
+
+ImageModSelectorPointerArray::ImageModSelectorPointerArray()
+    : ImageModSelector("Selector Pointer Array", "Selector Pointer Array")
+{
+}
+
+ImageModSelectorPointerArray::ImageModSelectorPointerArray(std::vector<ImageModSelector*> members)
+    : ImageModSelectorPointerArray()
+{
+    selectors = std::move(members);
+}
+
+std::unique_ptr<ImageMod> ImageModSelectorPointerArray::newInstance() const
+{
+    return std::make_unique<ImageModSelectorPointerArray>();
+}
+
+float ImageModSelectorPointerArray::maskValue(const FlexImageFloat* image, int32_t x, int32_t y,
+                                              const ReferenceFrame* frame) const
+{
+    float m = 1.0f;
+    for (const ImageModSelector* s : selectors) {
+        if (s)
+            m *= s->maskValue(image, x, y, frame);
+    }
+    return m;
+}
+
+float ImageModSelectorPointerArray::maskValue(const FlexImage8* image, int32_t x, int32_t y,
+                                              const ReferenceFrame* frame) const
+{
+    float m = 1.0f;
+    for (const ImageModSelector* s : selectors) {
+        if (s)
+            m *= s->maskValue(image, x, y, frame);
+    }
+    return m;
+}

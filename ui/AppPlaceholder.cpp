@@ -1,1 +1,0 @@
-// Placeholder translation unit; the widgets join this library.
