@@ -3,6 +3,7 @@
 #include "core/FlexImage.h"
 #include "media/ColorTransformSet.h"
 #include "media/CompactImage.h"
+#include "media/LargeBuffer.h"
 #include "media/MediaFormats.h"
 
 #include <OpenImageIO/imageio.h>
@@ -299,6 +300,7 @@ MediaCodecStatus decodePixels(const std::string& path, MediaDecoded& out)
         in->close();
         return MediaCodecStatus::TooLarge;
     }
+    adviseLargeBuffer(bmp.data, size_t(w) * size_t(h) * size_t(spp) * sampleBytes);
     bmp.width = w;
     bmp.height = h;
     bmp.bitsPerComponent = wide ? 16 : 8;
