@@ -24,7 +24,11 @@ namespace {
 void quietExiv2()
 {
     static std::once_flag once;
-    std::call_once(once, [] { Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute); });
+    std::call_once(once, [] {
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        // The XMP toolkit's own start-up isn't thread-safe; loads may run on several workers.
+        Exiv2::XmpParser::initialize();
+    });
 }
 
 // Exiv2's three collections behind the program's keyed-value interface.
@@ -458,6 +462,8 @@ bool writePixels(const MediaEncodeRequest& req, const std::string& tmp)
     const int32_t fileChannels = (img.channels == 4 && !out->supports("alpha")) ? 3 : img.channels;
     const OIIO::TypeDesc type = img.is16Bit ? OIIO::TypeDesc::UINT16 : OIIO::TypeDesc::UINT8;
     OIIO::ImageSpec spec(img.width, img.height, fileChannels, type);
+    // Alpha is declared associated although the samples are not, as the program always has: a PNG
+    // writer divides translucent colours by alpha on the way out. Opaque pixels are unaffected.
     if (fileChannels == 4)
         spec.alpha_channel = 3;
     const int quality = int(std::lround(std::clamp(req.quality, 0.0f, 100.0f)));
