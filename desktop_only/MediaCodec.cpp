@@ -439,7 +439,10 @@ bool writeProperties(const std::string& path, const MediaProperties* properties,
         return false;
     image->readMetadata(); // keeps the profile the pixel writer embedded
     if (withProps) {
-        image->setExifData(props->exif);
+        // The embedded preview shows the source as it was (and the way it was turned): drop it.
+        Exiv2::ExifData exif = props->exif;
+        Exiv2::ExifThumb(exif).erase();
+        image->setExifData(exif);
         image->setIptcData(props->iptc);
         image->setXmpData(props->xmp);
     }

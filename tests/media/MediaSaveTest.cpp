@@ -185,6 +185,10 @@ TEST(MediaSaveTest, GpsAndLargeProfileSurviveAJpegRoundTrip)
             EXPECT_EQ(props->value(k), source->value(k)) << k;
         }
     EXPECT_GT(gps, 0);
+    // The source's preview of the old picture isn't carried into the new file.
+    EXPECT_TRUE(source->has("Exif.Thumbnail.JPEGInterchangeFormat"));
+    EXPECT_FALSE(props->has("Exif.Thumbnail.JPEGInterchangeFormat"));
+    EXPECT_EQ(props->value("Exif.Image.Model"), "NIKON D1X");
     MediaDecoded d;
     ASSERT_EQ(decodeMediaFile(out, d, false), MediaCodecStatus::Ok);
     ASSERT_EQ(d.iccProfile.size(), info.iccProfile.size());
