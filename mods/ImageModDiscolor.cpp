@@ -8,7 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
-ImageModDiscolor::ImageModDiscolor() : ImageMod("Discolor", "Discolor")
+ImageModDiscolor::ImageModDiscolor()
+    : ImageMod("Discolor", "Discolor")
 {
     toolTip = "Apply uneven discoloration to the image.";
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
@@ -18,7 +19,8 @@ ImageModDiscolor::ImageModDiscolor() : ImageMod("Discolor", "Discolor")
     addFloat("Stretch", 1.0f, 0.0f, 2.0f);
 }
 
-namespace {
+namespace
+{
 
 // The colour filter step: a channel of 127.5 in the colour is neutral.
 static inline float filterStep(float c, float k, float w)
@@ -28,7 +30,8 @@ static inline float filterStep(float c, float k, float w)
 }
 
 template <typename Sample>
-void applyDiscolor(const ImageModDiscolor& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
+void applyDiscolor(
+    const ImageModDiscolor& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
 {
     if (!image || image->isEmpty())
         return;
@@ -37,7 +40,8 @@ void applyDiscolor(const ImageModDiscolor& mod, FlexImageT<Sample>* image, const
         return;
     const float offset = mod.floatValue(1);
     const ImageModVariableDataColor* color = mod.colorAt(2);
-    const float k[3] = {color ? color->red : 127.5f, color ? color->green : 127.5f, color ? color->blue : 127.5f};
+    const float k[3]
+        = { color ? color->red : 127.5f, color ? color->green : 127.5f, color ? color->blue : 127.5f };
     const float scale = std::max(mod.floatValue(3), 0.01f);
     const float stretch = std::max(mod.floatValue(4), 0.0f);
     const SpatialFrame frame = spatialFrameOf(*image, context);

@@ -7,12 +7,13 @@
 #include <algorithm>
 #include <cmath>
 
-ImageModDynamics::ImageModDynamics() : ImageMod("Dynamics", "Dynamics")
+ImageModDynamics::ImageModDynamics()
+    : ImageMod("Dynamics", "Dynamics")
 {
     toolTip = "Adjust the dynamic range of shadows and highlights relative to pixels within a given radius.";
     ImageModVariable* amount = addFloat("Amount", 0.0f, 0.0f, 100.0f);
     ImageModVariable* radius = addFloat("Radius", 50.0f, 0.0f, 100.0f);
-    addChoice("Method", {"Overlay", "Luminance"}, 0);
+    addChoice("Method", { "Overlay", "Luminance" }, 0);
     addAnimator(amount, "0 75 0", 3.0f);
     addAnimator(radius, "30 60", 2.55f);
     syncBlur();
@@ -41,7 +42,8 @@ int32_t ImageModDynamics::paddingNeeded(int32_t width, int32_t height, float sca
     return floatValue(0) == 0.0f ? 0 : blur.paddingNeeded(width, height, scale);
 }
 
-namespace {
+namespace
+{
 
 // Overlay of the pixel with a grey that follows the neighbourhood: a dark surround lifts the
 // pixel, a bright one lowers it.

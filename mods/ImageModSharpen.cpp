@@ -7,7 +7,8 @@
 #include <cmath>
 #include <vector>
 
-ImageModSharpen::ImageModSharpen() : ImageMod("Sharpen", "Sharpen")
+ImageModSharpen::ImageModSharpen()
+    : ImageMod("Sharpen", "Sharpen")
 {
     toolTip = "Sharpen the image using the specified amount.";
     version = 2;
@@ -34,10 +35,10 @@ int32_t ImageModSharpen::paddingNeeded(int32_t, int32_t, float scale) const
     return floatValue(0) == 0.0f ? 0 : kernelReach(scale);
 }
 
-namespace {
+namespace
+{
 
-template <typename Sample>
-static inline Sample sharpenSample(float c, float highPass, float amount)
+template <typename Sample> static inline Sample sharpenSample(float c, float highPass, float amount)
 {
     return storeSample<Sample>(c + highPass * amount);
 }

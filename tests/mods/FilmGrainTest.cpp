@@ -4,7 +4,8 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace
+{
 
 struct Stats {
     double mean = 0.0;
@@ -12,8 +13,7 @@ struct Stats {
 };
 
 // Mean and standard deviation of (after - before) over all samples.
-template <typename Sample>
-Stats deltaStats(const FlexImageT<Sample>& after, const FlexImageT<Sample>& before)
+template <typename Sample> Stats deltaStats(const FlexImageT<Sample>& after, const FlexImageT<Sample>& before)
 {
     double s = 0.0, s2 = 0.0;
     const int64_t n = after.sampleCount();
@@ -29,8 +29,7 @@ Stats deltaStats(const FlexImageT<Sample>& after, const FlexImageT<Sample>& befo
 }
 
 // Grain at full size boxed down against grain laid on the quarter-size preview.
-template <typename Sample>
-void grainPreviewStats(ImageMod& grain, Stats& fullDown, Stats& preview)
+template <typename Sample> void grainPreviewStats(ImageMod& grain, Stats& fullDown, Stats& preview)
 {
     FlexImageT<Sample> full, quarter;
     full.copyFrom(sceneAt<Sample>(1), true);
@@ -51,13 +50,13 @@ void grainPreviewStats(ImageMod& grain, Stats& fullDown, Stats& preview)
 
 TEST(FilmGrain, PreviewGrainMatchesFullSize)
 {
-    for (float scale : {25.0f, 80.0f}) {
+    for (float scale : { 25.0f, 80.0f }) {
         ImageModGrainFast grain;
         setFloat(grain, 1, scale);
         Stats full, preview;
         grainPreviewStats<float>(grain, full, preview);
-        printf("scale %.0f: full mean %.3f std %.3f, preview mean %.3f std %.3f\n", scale, full.mean, full.stddev,
-               preview.mean, preview.stddev);
+        printf("scale %.0f: full mean %.3f std %.3f, preview mean %.3f std %.3f\n", scale, full.mean,
+            full.stddev, preview.mean, preview.stddev);
         EXPECT_NEAR(preview.stddev / full.stddev, 1.0, 0.15) << "Scale " << scale;
         EXPECT_NEAR(preview.mean, full.mean, 0.15 * full.stddev) << "Scale " << scale;
     }

@@ -11,9 +11,13 @@
 // Shared fixtures of the spatial and film tests.
 
 // Mask 1 on the left half, 0 on the right, from the position alone.
-class SpatialTestHalfMask : public ImageModSelector {
+class SpatialTestHalfMask : public ImageModSelector
+{
 public:
-    SpatialTestHalfMask() : ImageModSelector("Spatial Test Half") {}
+    SpatialTestHalfMask()
+        : ImageModSelector("Spatial Test Half")
+    {
+    }
     std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<SpatialTestHalfMask>(); }
     float maskValue(const FlexImageFloat* img, int32_t x, int32_t, const ReferenceFrame*) const override
     {
@@ -50,7 +54,7 @@ void paintScene(FlexImageT<Sample>& img, int32_t w, int32_t h, int32_t channels 
                 b = 220.0f;
             }
             Sample* p = img.row(y) + x * channels;
-            const float c[3] = {r, g, b};
+            const float c[3] = { r, g, b };
             for (int32_t k = 0; k < channels && k < 3; ++k)
                 p[k] = Sample(std::fmin(std::fmax(c[k], 0.0f), 255.0f));
             if (channels == 4)
@@ -72,12 +76,12 @@ void boxDown(const FlexImageT<Sample>& src, FlexImageT<Sample>& dst, int32_t fac
                 for (int32_t j = 0; j < factor; ++j)
                     for (int32_t i = 0; i < factor; ++i)
                         s += float(src.row(y * factor + j)[(x * factor + i) * ch + c]);
-                dst.row(y)[x * ch + c] = Sample(s / float(factor * factor) + (sizeof(Sample) == 1 ? 0.5f : 0.0f));
+                dst.row(y)[x * ch + c]
+                    = Sample(s / float(factor * factor) + (sizeof(Sample) == 1 ? 0.5f : 0.0f));
             }
 }
 
-template <typename Sample>
-double psnr(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
+template <typename Sample> double psnr(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
 {
     double se = 0.0;
     const int64_t n = a.sampleCount();
@@ -99,8 +103,7 @@ inline ReferenceFrame wholeFrame(int32_t w, int32_t h, float scale)
     return f;
 }
 
-template <typename Sample>
-bool samePixels(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
+template <typename Sample> bool samePixels(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
 {
     if (a.width != b.width || a.height != b.height || a.channels != b.channels)
         return false;
@@ -110,8 +113,7 @@ bool samePixels(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
     return true;
 }
 
-template <typename Sample>
-bool allFinite(const FlexImageT<Sample>& a)
+template <typename Sample> bool allFinite(const FlexImageT<Sample>& a)
 {
     for (int64_t i = 0; i < a.sampleCount(); ++i)
         if (!std::isfinite(float(a.data[i])))
@@ -132,8 +134,7 @@ inline void setChoice(ImageMod& mod, int32_t index, int32_t choice)
 }
 
 // The scene at full size and boxed down to a quarter, painted once per depth.
-template <typename Sample>
-const FlexImageT<Sample>& sceneAt(int32_t divisor)
+template <typename Sample> const FlexImageT<Sample>& sceneAt(int32_t divisor)
 {
     static FlexImageT<Sample> full, quarter;
     if (full.isEmpty()) {
@@ -147,8 +148,7 @@ const FlexImageT<Sample>& sceneAt(int32_t divisor)
 // Renders `mod` on the 2400 x 1600 scene at full size (no frame) and on the quarter-size copy with
 // a whole-image frame of scale 4 (document pixels per working pixel, as the driver fills it), and
 // returns the PSNR of the full result boxed down against the quarter render.
-template <typename Sample>
-double previewAgreement(ImageMod& mod)
+template <typename Sample> double previewAgreement(ImageMod& mod)
 {
     FlexImageT<Sample> full, quarter;
     full.copyFrom(sceneAt<Sample>(1), true);
