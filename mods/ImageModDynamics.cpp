@@ -103,6 +103,8 @@ void ImageModDynamics::applyDepth(FlexImageT<Sample>* image, const ImageModApply
         const Sample* avg = blurred.row(y);
         for (int32_t x = 0; x < w; ++x) {
             const float am = selector ? maskRuleB(a, maskAt(selector, image, x, y, context)) : a;
+            if (am == 0.0f)
+                continue; // the contrast pair at exponent 1 would still round
             Sample* p = row + x * ch;
             const Sample* q = avg + x * ch;
             const float yb = cc < 3 ? float(q[0]) : luminance(float(q[0]), float(q[1]), float(q[2]));
