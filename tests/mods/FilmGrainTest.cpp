@@ -55,8 +55,6 @@ TEST(FilmGrain, PreviewGrainMatchesFullSize)
         setFloat(grain, 1, scale);
         Stats full, preview;
         grainPreviewStats<float>(grain, full, preview);
-        printf("scale %.0f: full mean %.3f std %.3f, preview mean %.3f std %.3f\n", scale, full.mean,
-            full.stddev, preview.mean, preview.stddev);
         EXPECT_NEAR(preview.stddev / full.stddev, 1.0, 0.15) << "Scale " << scale;
         EXPECT_NEAR(preview.mean, full.mean, 0.15 * full.stddev) << "Scale " << scale;
     }

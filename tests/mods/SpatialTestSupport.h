@@ -3,6 +3,7 @@
 #include "core/ImageMod.h"
 #include "core/ImageModApplyContext.h"
 #include "core/ImageModSelector.h"
+#include "core/ParallelFor.h"
 
 #include <cmath>
 #include <cstdint>
@@ -69,16 +70,16 @@ void boxDown(const FlexImageT<Sample>& src, FlexImageT<Sample>& dst, int32_t fac
 {
     const int32_t w = src.width / factor, h = src.height / factor, ch = src.channels;
     dst.resize(w, h, ch);
-    for (int32_t y = 0; y < h; ++y)
+    parallelFor(h, [&](int32_t y) {
         for (int32_t x = 0; x < w; ++x)
             for (int32_t c = 0; c < ch; ++c) {
                 float s = 0.0f;
                 for (int32_t j = 0; j < factor; ++j)
                     for (int32_t i = 0; i < factor; ++i)
                         s += float(src.row(y * factor + j)[(x * factor + i) * ch + c]);
-                dst.row(y)[x * ch + c]
-                    = Sample(s / float(factor * factor) + (sizeof(Sample) == 1 ? 0.5f : 0.0f));
+                dst.row(y)[x * ch + c] = Sample(s / float(factor * factor) + (sizeof(Sample) == 1 ? 0.5f : 0.0f));
             }
+    });
 }
 
 template <typename Sample> double psnr(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
