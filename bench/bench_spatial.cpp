@@ -8,7 +8,8 @@
 
 #include <benchmark/benchmark.h>
 
-namespace {
+namespace
+{
 
 constexpr int32_t kWidth = 6000;
 constexpr int32_t kHeight = 4000;

@@ -14,7 +14,7 @@ ImageModDiscolor::ImageModDiscolor()
     toolTip = "Apply uneven discoloration to the image.";
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     addFloat("Offset", 0.0f, 0.0f, 100.0f);
-    addColor("Color", 255.0f, 150.0f, 70.0f);
+    addColor("Color", 210.0f, 160.0f, 110.0f);
     addFloat("Scale", 1.0f, 0.0f, 2.0f);
     addFloat("Stretch", 1.0f, 0.0f, 2.0f);
 }

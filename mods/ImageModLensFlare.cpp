@@ -111,7 +111,7 @@ FlareSetup flareSetup(const ImageModLensFlare& mod, const SpatialFrame& frame)
         g.ring = ghostParam(variation, i, 2) > 0.7f ? 1.0f : 0.0f;
         const float hue = std::fmod(
             240.0f + 180.0f * ghostParam(variation, i, 3) * 0.9f + float(i) * 0.1f * 180.0f, 360.0f);
-        const float strength = 0.05f + 0.12f * ghostParam(variation, i, 4);
+        const float strength = 0.25f + 0.45f * ghostParam(variation, i, 4);
         float r, gg, b;
         hsvToRgb(hue, 0.55f, 1.0f, r, gg, b);
         // Small ghosts are brighter, large ones fainter, as the light spreads.

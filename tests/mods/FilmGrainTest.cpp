@@ -74,7 +74,8 @@ TEST(FilmGrain, PreviewGrainMatchesFullSize)
 
 #include <cstdlib>
 
-namespace {
+namespace
+{
 
 // Every mod of this family at a setting that changes pixels.
 std::vector<std::unique_ptr<ImageMod>> everyEffect()
@@ -110,8 +111,7 @@ std::vector<std::unique_ptr<ImageMod>> everyEffect()
     return mods;
 }
 
-template <typename Sample>
-void checkMaskZeroAndDeterminism()
+template <typename Sample> void checkMaskZeroAndDeterminism()
 {
     FlexImageT<Sample> src;
     paintScene(src, 160, 120);
@@ -250,7 +250,7 @@ TEST(FilmLight, LightleakPhaseAndRandomise)
     EXPECT_FLOAT_EQ(discolor.floatValue(1), 248.75f);
     EXPECT_FLOAT_EQ(discolor.floatValue(3), 1.45f);
     EXPECT_FLOAT_EQ(discolor.floatValue(0),
-                    float(0.5 * (std::cos(x * 0.029405306921233814) * 0.19999998807907104 + 0.699999988079071)));
+        float(0.5 * (std::cos(x * 0.029405306921233814) * 0.19999998807907104 + 0.699999988079071)));
     EXPECT_FALSE(ImageModLightleak::configureDiscolor(discolor, 0.0f, 0.0f));
 
     setFloat(leak, 0, 0.0f);
@@ -276,7 +276,7 @@ TEST(FilmLight, LensFlareFollowsHandleAndVariation)
     // Screen blend: nothing gets darker.
     for (int64_t i = 0; i < a.sampleCount(); ++i)
         ASSERT_GE(a.data[i], base.data[i]);
-    flare.variableAt(1)->asPixel()->points[0] = {250.0f, 40.0f};
+    flare.variableAt(1)->asPixel()->points[0] = { 250.0f, 40.0f };
     render(flare, b);
     EXPECT_GT(b.row(40)[250 * 3 + 2], a.row(40)[250 * 3 + 2] + 20.0f); // the source moved there
     FlexImageFloat c;

@@ -1,9 +1,9 @@
+#include "core/ImageModVariableDataPixel.h"
 #include "mods/ImageModBlur.h"
 #include "mods/ImageModDynamics.h"
 #include "mods/ImageModRadialBlur.h"
 #include "mods/ImageModSharpen.h"
 #include "mods/ImageModVignette.h"
-#include "core/ImageModVariableDataPixel.h"
 #include "mods/SpatialTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,8 @@
 #include <algorithm>
 #include <vector>
 
-namespace {
+namespace
+{
 
 // Deterministic pseudo-random test picture.
 template <typename Sample>
@@ -26,7 +27,8 @@ void fillNoise(FlexImageT<Sample>& img, int32_t w, int32_t h, int32_t ch, uint32
 }
 
 // Direct 2-D convolution with edge repeat, in double: the reference the fast paths must meet.
-std::vector<double> convolveReference(const FlexImageFloat& img, const std::vector<double>& kernel, int32_t reach)
+std::vector<double> convolveReference(
+    const FlexImageFloat& img, const std::vector<double>& kernel, int32_t reach)
 {
     const int32_t w = img.width, h = img.height, ch = img.channels, side = 2 * reach + 1;
     std::vector<double> out(size_t(img.sampleCount()));
@@ -55,7 +57,9 @@ std::vector<double> referenceKernel(int32_t method, double r, int32_t reach)
         const double d = std::abs(i - reach);
         if (method == 0) {
             const double t = 1.0 - d / r;
-            line[size_t(i)] = d / r > 1.0 ? 0.0 : t < 0.5 ? 0.5 * (2 * t) * (2 * t) : 1.0 - 0.5 * (2 - 2 * t) * (2 - 2 * t);
+            line[size_t(i)] = d / r > 1.0 ? 0.0
+                : t < 0.5                 ? 0.5 * (2 * t) * (2 * t)
+                                          : 1.0 - 0.5 * (2 - 2 * t) * (2 - 2 * t);
         } else {
             line[size_t(i)] = d < r - 1 ? 1.0 : d < r ? r - d : 0.0;
         }
@@ -203,7 +207,7 @@ TEST(SpatialSharpen, KernelWidensAndStrengthensOnSmallerScales)
 
 TEST(SpatialVignette, CentreCornersAndHardStep)
 {
-    for (float sharpness : {50.0f, 100.0f}) {
+    for (float sharpness : { 50.0f, 100.0f }) {
         ImageModVignette vignette;
         setFloat(vignette, 1, sharpness);
         FlexImageFloat img;
@@ -241,7 +245,7 @@ TEST(SpatialVignette, CenterPointFollowsTheFrame)
     // The point is in document pixels: on a quarter preview with a frame it lands a quarter as far.
     ImageModVignette vignette;
     setFloat(vignette, 1, 80.0f);
-    vignette.variableAt(3)->asPixel()->points[0] = {400.0f, 200.0f};
+    vignette.variableAt(3)->asPixel()->points[0] = { 400.0f, 200.0f };
     FlexImageFloat img;
     img.resize(200, 100, 3);
     for (int64_t i = 0; i < img.sampleCount(); ++i)
@@ -279,7 +283,7 @@ TEST(SpatialDynamics, LocalContrastAroundTheNeighbourhood)
 {
     // Overlay lifts a dark flat field and lowers a bright one; Amount 0 does nothing.
     ImageModDynamics dyn;
-    for (float level : {60.0f, 200.0f}) {
+    for (float level : { 60.0f, 200.0f }) {
         FlexImageFloat img;
         img.resize(40, 30, 3);
         for (int64_t i = 0; i < img.sampleCount(); ++i)

@@ -77,7 +77,8 @@ void boxDown(const FlexImageT<Sample>& src, FlexImageT<Sample>& dst, int32_t fac
                 for (int32_t j = 0; j < factor; ++j)
                     for (int32_t i = 0; i < factor; ++i)
                         s += float(src.row(y * factor + j)[(x * factor + i) * ch + c]);
-                dst.row(y)[x * ch + c] = Sample(s / float(factor * factor) + (sizeof(Sample) == 1 ? 0.5f : 0.0f));
+                dst.row(y)[x * ch + c]
+                    = Sample(s / float(factor * factor) + (sizeof(Sample) == 1 ? 0.5f : 0.0f));
             }
     });
 }
