@@ -42,7 +42,7 @@ template <typename Sample>
 static inline Sample blendStore(float original, float blurred, float mix, float mask)
 {
     const float mixed = clamp255(original * (1.0f - mix) + clamp255(blurred) * mix);
-    return storeSample<Sample>(original * (1.0f - mask) + mixed * mask);
+    return storeClamped<Sample>(original * (1.0f - mask) + mixed * mask);
 }
 
 // Writes one blurred row (accumulated in `acc`, all channels interleaved) into row y of the image,
@@ -59,7 +59,7 @@ void storeBlurredRow(
         const int32_t n = w * ch;
         if (mix >= 1.0f) {
             for (int32_t k = 0; k < n; ++k)
-                row[k] = storeSample<Sample>(acc[k]);
+                row[k] = storeClamped<Sample>(acc[k]);
         } else {
             for (int32_t k = 0; k < n; ++k)
                 row[k] = blendStore<Sample>(float(row[k]), acc[k], mix, 1.0f);

@@ -25,7 +25,7 @@ namespace
 // The colour filter step: a channel of 127.5 in the colour is neutral.
 static inline float filterStep(float c, float k, float w)
 {
-    const float f = k * 0.007843138f;
+    const float f = k / 127.5f; // by division: the rounded reciprocal would drift at k = 127.5
     return k <= 127.5f ? c + (f - 1.0f) * w * c : c + (f - 1.0f) * w * (255.0f - c);
 }
 
@@ -65,7 +65,7 @@ void applyDiscolor(
                 q *= maskAt(selector, image, x, y, context);
             const float wgt = q * amount;
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(filterStep(float(p[c]), cc < 3 ? k[1] : k[c], wgt));
+                p[c] = storeClamped<Sample>(filterStep(float(p[c]), cc < 3 ? k[1] : k[c], wgt));
         }
     });
 }

@@ -111,7 +111,7 @@ void ImageModDynamics::applyDepth(FlexImageT<Sample>* image, const ImageModApply
             if (method == Overlay) {
                 const float b = ((yb - overlayCenter) * am + overlayCenter) / 255.0f;
                 for (int32_t c = 0; c < cc; ++c)
-                    p[c] = storeSample<Sample>(overlayChannel(float(p[c]), b));
+                    p[c] = storeClamped<Sample>(overlayChannel(float(p[c]), b));
                 continue;
             }
             // Contrast around the local average, at amount am + 1 (capped short of the pole at 2).
@@ -120,7 +120,7 @@ void ImageModDynamics::applyDepth(FlexImageT<Sample>* image, const ImageModApply
             const float Y = cc < 3 ? float(p[0]) : luminance(float(p[0]), float(p[1]), float(p[2]));
             const float L = powerPair(Y, yb, e);
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(toLuminance(float(p[c]), Y, L));
+                p[c] = storeClamped<Sample>(toLuminance(float(p[c]), Y, L));
         }
     });
 }

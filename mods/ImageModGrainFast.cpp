@@ -329,7 +329,7 @@ void ImageModGrainFast::applyDepth(FlexImageT<Sample>* image, const ImageModAppl
             const float t = response[size_t(std::clamp(int32_t(Y), 0, 255))];
             const float add = trow[tx] * t * gain;
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(float(p[c]) + add);
+                p[c] = storeClamped<Sample>(float(p[c]) + add);
             if (++tx == n)
                 tx = 0;
         }
@@ -346,7 +346,7 @@ void ImageModGrainFast::applyDepth(FlexImageT<Sample>* image, const ImageModAppl
             const float q = maskAt(selector, image, x, y, context);
             Sample* p = row + x * ich;
             for (int32_t c = 0; c < ich; ++c)
-                p[c] = storeSample<Sample>(float(p[c]) * (1.0f - q) + float(grained[x * ich + c]) * q);
+                p[c] = storeClamped<Sample>(float(p[c]) * (1.0f - q) + float(grained[x * ich + c]) * q);
         }
     });
 }

@@ -61,7 +61,7 @@ void applyLegacy(
             const float mid = 1.0f - 0.6f * std::fabs(Y / 127.5f - 1.0f);
             const float add = n * strength * mid * m;
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(float(p[c]) + add);
+                p[c] = storeClamped<Sample>(float(p[c]) + add);
         }
     });
 }

@@ -192,7 +192,7 @@ void applyFlare(const ImageModLensFlare& mod, FlexImageT<Sample>* image, const I
             for (int32_t c = 0; c < cc; ++c) {
                 // Screen blend: light adds towards white and never darkens.
                 const float l = std::min(light[cc < 3 ? 1 : c] * a, 255.0f) / 255.0f;
-                p[c] = storeSample<Sample>(255.0f - (255.0f - float(p[c])) * (1.0f - l));
+                p[c] = storeClamped<Sample>(255.0f - (255.0f - float(p[c])) * (1.0f - l));
             }
         }
     });

@@ -80,14 +80,14 @@ void applyNoise(const ImageModNoise& mod, FlexImageT<Sample>* image, const Image
                 const float yn = Y / 255.0f;
                 const float a = 1.0f + v * amount * shrink * (yn * yn * 0.7f + 0.3f);
                 for (int32_t c = 0; c < cc; ++c)
-                    p[c] = storeSample<Sample>(gammaStep(float(p[c]), a));
+                    p[c] = storeClamped<Sample>(gammaStep(float(p[c]), a));
                 continue;
             }
             const float weight
                 = branch == 1 ? std::pow(std::max(1.0f - dist, 0.0f), 0.34f) : 1.0f - 0.7f * dist;
             const float add = v * strength * weight;
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(float(p[c]) + add);
+                p[c] = storeClamped<Sample>(float(p[c]) + add);
         }
     });
 }

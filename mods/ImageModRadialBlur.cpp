@@ -131,14 +131,14 @@ void separableRadial(FlexImageT<Sample>* image, const std::vector<float>& map, i
                 }
                 for (int32_t c = 0; c < ch; ++c) {
                     if (reach == 0) {
-                        dst[x * ch + c] = storeSample<Sample>(float(copy.row(y)[x * ch + c]));
+                        dst[x * ch + c] = storeClamped<Sample>(float(copy.row(y)[x * ch + c]));
                         continue;
                     }
                     float sum = 0.0f;
                     for (int32_t i = 0; i <= 2 * reach; ++i)
                         sum += taps[size_t(i)]
                             * float(copy.row(std::clamp(y - reach + i, 0, h - 1))[x * ch + c]);
-                    dst[x * ch + c] = storeSample<Sample>(sum);
+                    dst[x * ch + c] = storeClamped<Sample>(sum);
                 }
             }
         }
@@ -216,7 +216,7 @@ void circleRadial(FlexImageT<Sample>* image, const std::vector<float>& map, floa
                 }
                 const float inv = 1.0f / disc.total;
                 for (int32_t c = 0; c < ch; ++c)
-                    dst[x * ch + c] = storeSample<Sample>(sums[c] * inv);
+                    dst[x * ch + c] = storeClamped<Sample>(sums[c] * inv);
             }
         }
     });

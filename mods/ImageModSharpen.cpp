@@ -40,7 +40,7 @@ namespace
 
 template <typename Sample> static inline Sample sharpenSample(float c, float highPass, float amount)
 {
-    return storeSample<Sample>(c + highPass * amount);
+    return storeClamped<Sample>(c + highPass * amount);
 }
 
 template <typename Sample>

@@ -70,7 +70,7 @@ void applyVignette(
             const float a = selector ? maskRuleB(amount, maskAt(selector, image, x, y, context)) : amount;
             const float darken = a * 255.0f * vignetteWeight(f, p);
             for (int32_t c = 0; c < cc; ++c)
-                px[c] = storeSample<Sample>(float(px[c]) - darken);
+                px[c] = storeClamped<Sample>(float(px[c]) - darken);
         }
     });
 }

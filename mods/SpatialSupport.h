@@ -29,15 +29,15 @@ static inline float clamp255(float v)
     return v < 0.0f ? 0.0f : v;
 }
 
-template <typename Sample> static inline Sample storeSample(float v);
+template <typename Sample> static inline Sample storeClamped(float v);
 
-template <> inline float storeSample<float>(float v)
+template <> inline float storeClamped<float>(float v)
 {
     return clamp255(v);
 }
 
 // Truncating store of the 8-bit depth.
-template <> inline uint8_t storeSample<uint8_t>(float v)
+template <> inline uint8_t storeClamped<uint8_t>(float v)
 {
     return uint8_t(int32_t(clamp255(v)));
 }

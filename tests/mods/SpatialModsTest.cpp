@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace spatialtest;
+
 #include <algorithm>
 #include <vector>
 

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace spatialtest;
+
 // What the user sees on screen must be what the saved file holds: a quarter-size preview with its
 // frame agrees with the full-size render boxed down to the same size (PSNR of at least 30 dB).
 TEST(SpatialPreview, BlurMethodsAgreeWithFullSize)

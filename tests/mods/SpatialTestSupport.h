@@ -3,11 +3,15 @@
 #include "core/ImageMod.h"
 #include "core/ImageModApplyContext.h"
 #include "core/ImageModSelector.h"
+#include "core/ImageModVariableDataChoice.h"
 #include "core/ParallelFor.h"
 
 #include <cmath>
 #include <cstdint>
 #include <memory>
+
+namespace spatialtest
+{
 
 // Shared fixtures of the spatial and film tests.
 
@@ -128,8 +132,6 @@ inline void setFloat(ImageMod& mod, int32_t index, float v)
     mod.variableAt(index)->setFloatValue(v);
 }
 
-#include "core/ImageModVariableDataChoice.h"
-
 inline void setChoice(ImageMod& mod, int32_t index, int32_t choice)
 {
     mod.variableAt(index)->asChoice()->index = choice;
@@ -165,3 +167,5 @@ template <typename Sample> double previewAgreement(ImageMod& mod)
     boxDown(full, fullDown, 4);
     return psnr(fullDown, quarter);
 }
+
+} // namespace spatialtest
