@@ -41,7 +41,7 @@ struct Lut1DView {
     LutAxis axis[3];
 };
 
-static inline void lut3DSample(const Lut3DView& v, float r, float g, float b, float out[3])
+static inline void lutSample(const Lut3DView& v, float r, float g, float b, float out[3])
 {
     int32_t i, j, k;
     float fx, fy, fz;
@@ -63,7 +63,7 @@ static inline void lut3DSample(const Lut3DView& v, float r, float g, float b, fl
     }
 }
 
-static inline void lut1DSample(const Lut1DView& v, float r, float g, float b, float out[3])
+static inline void lutSample(const Lut1DView& v, float r, float g, float b, float out[3])
 {
     const float in[3] = {r, g, b};
     const int32_t maxIndex = v.n - 2;
@@ -93,21 +93,21 @@ static inline Sample lutStore(float v)
     }
 }
 
-template <typename Sample, typename View, typename SampleFn>
-static inline void lutPixel(Sample* p, const View& view, float a, SampleFn sample)
+template <typename Sample, typename View>
+static inline void lutPixel(Sample* p, const View& view, float a)
 {
     const float r = float(p[0]);
     const float g = float(p[1]);
     const float b = float(p[2]);
     float out[3];
-    sample(view, r, g, b, out);
+    lutSample(view, r, g, b, out);
     p[0] = lutStore<Sample>(lutMix(r, out[0], a));
     p[1] = lutStore<Sample>(lutMix(g, out[1], a));
     p[2] = lutStore<Sample>(lutMix(b, out[2], a));
 }
 
-template <typename Sample, typename View, typename SampleFn>
-void lutRows(FlexImageT<Sample>* image, const View& view, SampleFn sample, float amount,
+template <typename Sample, typename View>
+void lutRows(FlexImageT<Sample>* image, const View& view, float amount,
              const ImageModApplyContext* context)
 {
     const ImageModSelector* selector = context ? context->selector : nullptr;
@@ -120,11 +120,11 @@ void lutRows(FlexImageT<Sample>* image, const View& view, SampleFn sample, float
             for (int32_t x = 0; x < width; ++x, p += channels) {
                 const float a = maskRuleB(amount, selector->maskValue(image, x, y, frame));
                 if (a != 0.0f)
-                    lutPixel(p, view, a, sample);
+                    lutPixel(p, view, a);
             }
         } else {
             for (int32_t x = 0; x < width; ++x, p += channels)
-                lutPixel(p, view, amount, sample);
+                lutPixel(p, view, amount);
         }
     });
 }
@@ -149,7 +149,7 @@ void applyTable(const ImageModLUT3DTable* t, FlexImageT<Sample>* image, float am
             return;
         Lut1DView view{t->curve.data(), t->size, {}};
         fillAxes(*t, view.axis);
-        lutRows(image, view, lut1DSample, amount, context);
+        lutRows(image, view, amount, context);
         return;
     }
     if (t->slices.size() != size_t(t->size))
@@ -159,7 +159,7 @@ void applyTable(const ImageModLUT3DTable* t, FlexImageT<Sample>* image, float am
         slices[k] = t->slices[k]->data;
     Lut3DView view{slices.data(), t->size, {}};
     fillAxes(*t, view.axis);
-    lutRows(image, view, lut3DSample, amount, context);
+    lutRows(image, view, amount, context);
 }
 
 } // namespace
