@@ -1,0 +1,192 @@
+// Curve and hue-region tiles on a 6000 x 4000 float RGB image with a typical non-neutral setting,
+// next to the plain per-pixel luminance pass as the baseline. Compare each time with BM_Baseline.
+#include "core/ColorMath.h"
+#include "core/FlexImage.h"
+#include "core/ImageModVariableDataChoice.h"
+#include "core/ImageModVariableDataCurve.h"
+#include "core/ParallelFor.h"
+#include "mods/ImageModComponentCurve.h"
+#include "mods/ImageModExposureCurve.h"
+#include "mods/ImageModHueBrightness.h"
+#include "mods/ImageModHueShift.h"
+#include "mods/ImageModLabCurves.h"
+#include "mods/ImageModLuminanceCurve.h"
+#include "mods/ImageModRGBCombinedCurve.h"
+#include "mods/ImageModRGBCurves.h"
+#include "mods/ImageModSaturationCurve.h"
+#include "mods/ImageModToneCurve.h"
+
+#include <benchmark/benchmark.h>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr int32_t kWidth = 6000;
+constexpr int32_t kHeight = 4000;
+
+// A photo-like spread of colours, every page written before timing.
+void fillSource(FlexImageFloat& img)
+{
+    parallelFor(img.height, [&](int32_t y) {
+        float* p = img.row(y);
+        for (int32_t x = 0; x < img.width; ++x, p += 3) {
+            p[0] = float((x * 7 + y * 3) % 256);
+            p[1] = float((x * 3 + y * 11) % 256);
+            p[2] = float((x * 13 + y * 5) % 256);
+        }
+    });
+}
+
+FlexImageFloat& source()
+{
+    static FlexImageFloat img(kWidth, kHeight, 3);
+    static bool filled = false;
+    if (!filled) {
+        fillSource(img);
+        filled = true;
+    }
+    return img;
+}
+
+void restore(FlexImageFloat& dst)
+{
+    const FlexImageFloat& src = source();
+    parallelFor(src.height, [&](int32_t y) {
+        std::memcpy(dst.row(y), src.row(y), sizeof(float) * size_t(src.width) * 3);
+    });
+}
+
+void setCurvePoints(ImageMod& mod, int32_t index, const char* points, float hueOffset = 180.0f)
+{
+    ToneCurve& c = mod.variableAt(index)->asCurve()->curve;
+    c.setFromString(points);
+    c.hueOffset = hueOffset;
+}
+
+// Times apply only; the image is put back between runs so every run sees the same pixels.
+void runMod(benchmark::State& state, ImageMod& mod)
+{
+    FlexImageFloat img(kWidth, kHeight, 3);
+    restore(img);
+    for (auto _ : state) {
+        state.PauseTiming();
+        restore(img);
+        state.ResumeTiming();
+        mod.apply(&img, nullptr);
+        benchmark::ClobberMemory();
+    }
+}
+
+const char* kSCurve = "0 0 .25 .18 .5 .5 .75 .82 1 1";
+const char* kHueCurve = "0 .8 .25 .5 .5 .3 .75 .5 1 .8";
+
+} // namespace
+
+// Baseline: linear luminance written into all three channels, in place, row-parallel.
+static void BM_Baseline(benchmark::State& state)
+{
+    FlexImageFloat img(kWidth, kHeight, 3);
+    restore(img);
+    for (auto _ : state) {
+        state.PauseTiming();
+        restore(img);
+        state.ResumeTiming();
+        parallelFor(img.height, [&](int32_t y) {
+            float* p = img.row(y);
+            for (int32_t x = 0; x < img.width; ++x, p += 3) {
+                const float v = luminance(p[0], p[1], p[2]);
+                p[0] = v;
+                p[1] = v;
+                p[2] = v;
+            }
+        });
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(BM_Baseline)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_ToneCurve(benchmark::State& state)
+{
+    ImageModToneCurve mod;
+    setCurvePoints(mod, 1, kSCurve);
+    mod.variableAt(2)->asChoice()->index = int32_t(state.range(0));
+    runMod(state, mod);
+}
+BENCHMARK(BM_ToneCurve)->Arg(0)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_LuminanceCurve(benchmark::State& state)
+{
+    ImageModLuminanceCurve mod;
+    setCurvePoints(mod, 1, kSCurve);
+    runMod(state, mod);
+}
+BENCHMARK(BM_LuminanceCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_RGBCombinedCurve(benchmark::State& state)
+{
+    ImageModRGBCombinedCurve mod;
+    setCurvePoints(mod, 1, kSCurve);
+    runMod(state, mod);
+}
+BENCHMARK(BM_RGBCombinedCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_RGBCurves(benchmark::State& state)
+{
+    ImageModRGBCurves mod;
+    setCurvePoints(mod, 0, "0 0 .5 .6 1 1");
+    setCurvePoints(mod, 2, "0 0 .5 .4 1 1");
+    setCurvePoints(mod, 3, kSCurve);
+    runMod(state, mod);
+}
+BENCHMARK(BM_RGBCurves)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_ComponentCurve(benchmark::State& state)
+{
+    ImageModComponentCurve mod;
+    setCurvePoints(mod, 1, kSCurve);
+    runMod(state, mod);
+}
+BENCHMARK(BM_ComponentCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_LabCurves(benchmark::State& state)
+{
+    ImageModLabCurves mod;
+    setCurvePoints(mod, 0, kSCurve);
+    setCurvePoints(mod, 2, "0 .05 1 .95");
+    runMod(state, mod);
+}
+BENCHMARK(BM_LabCurves)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_ExposureCurve(benchmark::State& state)
+{
+    ImageModExposureCurve mod;
+    setCurvePoints(mod, 1, "0 .7 .5 .5 1 .3");
+    runMod(state, mod);
+}
+BENCHMARK(BM_ExposureCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_SaturationCurve(benchmark::State& state)
+{
+    ImageModSaturationCurve mod;
+    setCurvePoints(mod, 1, kHueCurve);
+    runMod(state, mod);
+}
+BENCHMARK(BM_SaturationCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_HueBrightness(benchmark::State& state)
+{
+    ImageModHueBrightness mod;
+    mod.setVersion(int32_t(state.range(0)));
+    setCurvePoints(mod, 1, kHueCurve);
+    runMod(state, mod);
+}
+BENCHMARK(BM_HueBrightness)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+static void BM_HueShift(benchmark::State& state)
+{
+    ImageModHueShift mod;
+    setCurvePoints(mod, 1, kHueCurve);
+    runMod(state, mod);
+}
+BENCHMARK(BM_HueShift)->Unit(benchmark::kMillisecond)->UseRealTime();
