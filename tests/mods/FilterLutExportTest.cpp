@@ -2,10 +2,15 @@
 
 #include "core/ImageModVariableDataFile.h"
 #include "mods/FilterLutExport.h"
+#include "mods/ImageModExposure.h"
 #include "mods/ImageModLUT3D.h"
+#include "mods/ImageModSaturation.h"
+#include "mods/ImageModToneCurve.h"
+#include "core/ImageModVariableDataCurve.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
 #include <sstream>
 #include <vector>
@@ -147,4 +152,35 @@ TEST(FilterLutExport, UnwritablePlaces)
     EXPECT_FALSE(exportFilterLut({}, ""));
     EXPECT_EQ(fileCount(dir.dir), 0u);
     EXPECT_EQ(filterLutTitle("/a/b/Film \"Look\".v2.cube"), "Film 'Look'.v2");
+}
+
+TEST(FilterLutExport, RealTilesRoundTrip)
+{
+    // Exposure, a gentle S tone curve and a little less colour, as a user might stack them. (A
+    // saturation boost clips at the ends of the range, a kink no 33-point lattice follows.)
+    ImageModExposure exposure(1.2f);
+    ImageModToneCurve curve;
+    curve.variables[ImageModToneCurve::varCurve]->asCurve()->curve.setFromString("0 0 .25 .2 .75 .8 1 1");
+    ImageModSaturation saturation(2, 0.8f);
+    std::vector<ImageMod*> sequence = {&exposure, &curve, &saturation};
+    LutTempDir dir;
+    const std::string path = dir.file("real.cube");
+    ASSERT_TRUE(exportFilterLut(sequence, path));
+    ImageModLUT3D lut;
+    lut.variables[1]->asFile()->path = path;
+    lut.loadResources();
+    ASSERT_NE(lut.table(), nullptr) << lut.loadMessage();
+
+    FlexImageFloat direct(96, 64, 3);
+    fillRandom(direct, 9u);
+    FlexImageFloat viaTable(0, 0, 3);
+    viaTable.copyFrom(direct, true);
+    for (ImageMod* m : sequence)
+        m->apply(&direct, nullptr);
+    lut.apply(&viaTable, nullptr);
+    float worst = 0.0f;
+    for (int64_t i = 0; i < direct.sampleCount(); ++i)
+        worst = std::max(worst, std::fabs(direct.data[i] - viaTable.data[i]));
+    EXPECT_LT(worst, 1.5f);
+    EXPECT_GT(worst, 0.0f);
 }
