@@ -1,6 +1,8 @@
 #include "core/ImageMod.h"
 
 #include "core/GrowingArray.h"
+#include "core/ImageModVarAnimatorColorHSVA.h"
+#include "core/ImageModVarAnimatorCurve.h"
 #include "core/ImageModVarAnimatorFloat.h"
 #include "core/ImageModVariableDataBoundary.h"
 #include "core/ImageModVariableDataChoice.h"
@@ -225,6 +227,44 @@ void ImageMod::addAnimator(ImageModVariable* variable, const std::string& keysTe
     const float ft = frameTime();
     const int32_t period = ft > 0.0f ? int32_t(seconds / ft) : 0;
     addAnimator(std::make_unique<ImageModVarAnimatorFloat>(variable, std::move(keys), period));
+}
+
+void ImageMod::addColorAnimator(ImageModVariable* variable, const std::string& hsvaText, float seconds)
+{
+    if (!variable)
+        return;
+    const std::vector<float> all = ImageModVarAnimator::parseKeys(hsvaText);
+    std::vector<float> h, s, v, a;
+    for (size_t i = 0; i + 3 < all.size(); i += 4) {
+        h.push_back(all[i]);
+        s.push_back(all[i + 1]);
+        v.push_back(all[i + 2]);
+        a.push_back(all[i + 3]);
+    }
+    if (h.empty())
+        return;
+    const float ft = frameTime();
+    const int32_t period = ft > 0.0f ? int32_t(seconds / ft) : 0;
+    addAnimator(std::make_unique<ImageModVarAnimatorColorHSVA>(variable, std::move(h), std::move(s), std::move(v),
+                                                               std::move(a), period));
+}
+
+void ImageMod::addCurveAnimator(ImageModVariable* variable, const std::vector<std::string>& pointTexts, float seconds)
+{
+    if (!variable || pointTexts.empty())
+        return;
+    const float ft = frameTime();
+    const int32_t period = ft > 0.0f ? int32_t(seconds / ft) : 0;
+    std::vector<std::vector<ImageModVarAnimatorCurve::PointKey>> keys;
+    for (const std::string& text : pointTexts) {
+        const std::vector<float> xy = ImageModVarAnimator::parseKeys(text);
+        std::vector<ImageModVarAnimatorCurve::PointKey> path;
+        for (size_t i = 0; i + 1 < xy.size(); i += 2)
+            path.push_back({xy[i], xy[i + 1]});
+        keys.push_back(std::move(path));
+    }
+    std::vector<int32_t> periods(keys.size(), period);
+    addAnimator(std::make_unique<ImageModVarAnimatorCurve>(variable, std::move(keys), std::move(periods)));
 }
 
 void ImageMod::addAnimator(std::unique_ptr<ImageModVarAnimator> animator)

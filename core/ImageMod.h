@@ -106,6 +106,10 @@ public:
     // Float keys such as "30 70 30" over one cycle of `seconds`. A choice gets its last key repeated
     // so the last label holds for a whole interval. Ignored for a null variable.
     void addAnimator(ImageModVariable* variable, const std::string& keysText, float seconds);
+    // Colour keys as groups of four, "h s v a h s v a ...": hue in degrees, the rest 0..1.
+    void addColorAnimator(ImageModVariable* variable, const std::string& hsvaText, float seconds);
+    // One text per control point, each "x y x y ..." along that point's path.
+    void addCurveAnimator(ImageModVariable* variable, const std::vector<std::string>& pointTexts, float seconds);
     // Appends an animator that the mod will own.
     void addAnimator(std::unique_ptr<ImageModVarAnimator> animator);
 

@@ -16,20 +16,6 @@
 
 namespace {
 
-// What the driver does for a flat list: each enabled tile gets the masks to its left.
-template <typename Image>
-void runTiles(const std::vector<ImageMod*>& tiles, Image* image)
-{
-    for (int32_t i = 0; i < int32_t(tiles.size()); ++i) {
-        if (!tiles[size_t(i)]->enabled)
-            continue;
-        ImageModSelectorPointerArray wrapper;
-        ImageModApplyContext ctx;
-        ctx.selector = selectorForList(selectorsForTile(tiles, i), wrapper);
-        tiles[size_t(i)]->apply(image, &ctx);
-    }
-}
-
 void setRgb(FlexImageFloat& img, float r, float g, float b)
 {
     img.data[0] = r;

@@ -143,3 +143,34 @@ TEST(ImageModVarAnimator, CurveTakesThePointCountOfItsKeys)
     EXPECT_EQ(c.points.size(), 4u);
     EXPECT_FLOAT_EQ(c.points[2].y, 0.8f);
 }
+
+TEST(ImageModVarAnimator, ColorAndCurveFromText)
+{
+    TestModPlain m;
+    ImageModVariable* tint = m.variables[2].get();
+    m.addColorAnimator(tint, "0 1 .75 1 360 1 .75 1", 3.0f);
+    ImageModVariable* curve = m.addCurve("Curve", "0 0 1 1");
+    m.addCurveAnimator(curve, {"0 0 0 .1 0 0", ".5 .7 .5 .3 .5 .7", "1 1 1 .9 1 1"}, 2.0f);
+    ASSERT_EQ(m.animators.size(), 2u);
+    auto* color = static_cast<ImageModVarAnimatorColorHSVA*>(m.animators[0].get());
+    EXPECT_EQ(color->periodFrames, 60);
+    EXPECT_EQ(color->hue, (std::vector<float>{0.0f, 360.0f}));
+    EXPECT_EQ(color->value, (std::vector<float>{0.75f, 0.75f}));
+    auto* curves = static_cast<ImageModVarAnimatorCurve*>(m.animators[1].get());
+    ASSERT_EQ(curves->pointKeys.size(), 3u);
+    EXPECT_EQ(curves->pointKeys[1].size(), 3u);
+    EXPECT_EQ(curves->periodFrames, (std::vector<int32_t>{40, 40, 40}));
+
+    m.setFrame(0);
+    EXPECT_FLOAT_EQ(m.colorAt(2)->red, 0.75f * 255.0f);
+    EXPECT_FLOAT_EQ(m.colorAt(2)->green, 0.0f);
+    const ToneCurve* c = m.curveAt(3);
+    ASSERT_EQ(c->points.size(), 3u);
+    EXPECT_FLOAT_EQ(c->points[1].y, 0.7f);
+    // Frame 19 of 40 lies just before the middle key.
+    m.setFrame(39 / 2);
+    EXPECT_NEAR(c->points[1].y, 0.3f + 0.4f * (1.0f - 38.0f / 39.0f), 1e-5f);
+
+    m.addColorAnimator(tint, "1 2 3", 1.0f); // no complete group
+    EXPECT_EQ(m.animators.size(), 2u);
+}

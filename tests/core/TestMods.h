@@ -60,6 +60,7 @@ public:
 };
 
 #include "core/ImageModSelector.h"
+#include "core/ImageModSelectorWalk.h"
 
 // A mask with the same value everywhere.
 class TestSelectorConst : public ImageModSelector {
@@ -110,3 +111,43 @@ void fillImage(Image& img, float value)
     for (int64_t i = 0; i < img.sampleCount(); ++i)
         img.data[i] = typename Image::SampleType(value);
 }
+
+// What the driver does for a flat list: each enabled tile gets the masks to its left.
+template <typename Image>
+void runTiles(const std::vector<ImageMod*>& tiles, Image* image, const ImageModApplyContext* base = nullptr)
+{
+    for (int32_t i = 0; i < int32_t(tiles.size()); ++i) {
+        if (!tiles[size_t(i)]->enabled)
+            continue;
+        ImageModSelectorPointerArray wrapper;
+        ImageModApplyContext ctx;
+        if (base)
+            ctx = *base;
+        ctx.selector = selectorForList(selectorsForTile(tiles, i), wrapper);
+        tiles[size_t(i)]->apply(image, &ctx);
+    }
+}
+
+// Records the context each apply received.
+class TestModRecorder : public ImageMod {
+public:
+    TestModRecorder() : ImageMod("Test Recorder", "") {}
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestModRecorder>(); }
+    void apply(FlexImage8*, const ImageModApplyContext* c) override { seen.push_back(c ? *c : ImageModApplyContext{}); }
+    void apply(FlexImageFloat*, const ImageModApplyContext* c) override { seen.push_back(c ? *c : ImageModApplyContext{}); }
+    std::vector<ImageModApplyContext> seen;
+};
+
+class TestModBorder : public TestModEmpty {
+public:
+    int32_t kind() const override { return 1; }
+    ImageMod* borderMod() override { return this; }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestModBorder>(); }
+};
+
+class TestModImpure : public TestModEmpty {
+public:
+    int32_t passCount() const override { return 2; }
+    bool passIsPure(int32_t pass) const override { return pass == 0; }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestModImpure>(); }
+};
