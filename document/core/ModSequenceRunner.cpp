@@ -73,6 +73,16 @@ void restoreCache(FlexImage8& working, const FlexImageFloat& cache)
     working.copyFromOtherDepth(cache, true);
 }
 
+template <typename Sample>
+void copyPlacement(FlexImageT<Sample>& to, const FlexImageT<Sample>& from)
+{
+    to.marginLeft = from.marginLeft;
+    to.marginRight = from.marginRight;
+    to.marginTop = from.marginTop;
+    to.marginBottom = from.marginBottom;
+    to.scale = from.scale;
+}
+
 } // namespace
 
 ModSequenceRunner::ModSequenceRunner(bool cache, bool async, int32_t minimum, float givenRatio)
@@ -285,12 +295,26 @@ void ModSequenceRunner::analyzeStages(FlexImageT<Sample>* working)
 template <typename Sample>
 void ModSequenceRunner::runStages(FlexImageT<Sample>* image, FlexImageT<Sample>* destination)
 {
+    bool analysis = false;
+    for (const auto& m : mods)
+        analysis = analysis || m->needsAnalysis();
+    bool restores;
+    {
+        std::lock_guard<std::mutex> lock(stateMutex);
+        restores = saveStage == -1 && cachedStage >= 0 && cacheImage;
+    }
     FlexImageT<Sample>* working = image;
     if (destination && destination != image) {
-        destination->copyFrom(*image, true);
+        // Pixels about to be restored from the cache needn't be copied first.
+        if (restores && !analysis)
+            restoreCache(*destination, *cacheImage);
+        else
+            destination->copyFrom(*image, true);
+        copyPlacement(*destination, *image);
         working = destination;
     }
-    analyzeStages(working);
+    if (analysis)
+        analyzeStages(working);
 
     int32_t restoreAt;
     int32_t saveAt;
@@ -323,7 +347,9 @@ void ModSequenceRunner::runStages(FlexImageT<Sample>* image, FlexImageT<Sample>*
             }
         }
         if (i == restoreAt && cacheImage) {
-            restoreCache(*working, *cacheImage);
+            if (working != destination || !restores || analysis)
+                restoreCache(*working, *cacheImage);
+            copyPlacement(*working, *image);
             continue;
         }
         if (i < restoreAt)
