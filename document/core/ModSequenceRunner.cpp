@@ -22,16 +22,15 @@ int32_t lastOfKind(const List& list, int32_t kind)
     return -1;
 }
 
-// Small copy of the image for analysis passes: long side at most 100, aspect kept.
 template <typename Sample>
-std::unique_ptr<FlexImageT<Sample>> makeProxy(const FlexImageT<Sample>& image)
+std::unique_ptr<FlexImageT<Sample>> makeProxy(const FlexImageT<Sample>& image, int32_t longSide)
 {
     int32_t pw, ph;
     if (image.width >= image.height) {
-        pw = std::min(image.width, kProxyLongSide);
+        pw = std::min(image.width, longSide);
         ph = std::max(1, int32_t(double(image.height) * pw / image.width + 0.5));
     } else {
-        ph = std::min(image.height, kProxyLongSide);
+        ph = std::min(image.height, longSide);
         pw = std::max(1, int32_t(double(image.width) * ph / image.height + 0.5));
     }
     auto proxy = std::make_unique<FlexImageT<Sample>>(pw, ph, image.channels);
@@ -84,6 +83,13 @@ void copyPlacement(FlexImageT<Sample>& to, const FlexImageT<Sample>& from)
 }
 
 } // namespace
+
+std::unique_ptr<FlexImageFloat> makeAnalysisProxy(const FlexImageFloat& image, int32_t longSide)
+{
+    if (image.isEmpty() || longSide < 1)
+        return nullptr;
+    return makeProxy(image, longSide);
+}
 
 ModSequenceRunner::ModSequenceRunner(bool cache, bool async, int32_t minimum, float givenRatio)
     : useCache(cache), runAsync(async), minimumSize(std::max(minimum, 16)), ratio(givenRatio)
@@ -273,7 +279,7 @@ void ModSequenceRunner::analyzeStages(FlexImageT<Sample>* working)
             proxy = frame->proxy;
         }
     } else {
-        built = makeProxy(*working);
+        built = makeProxy(*working, kProxyLongSide);
         proxy = built.get();
     }
     ImageModSelectorPointerArray wrapper;

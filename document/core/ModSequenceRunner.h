@@ -9,6 +9,10 @@
 #include <semaphore>
 #include <vector>
 
+// A small copy of image for analysis passes: the long side at most longSide, aspect kept, nearest
+// pixels, and a scale of image width * image scale over its own width. Null for an empty image.
+std::unique_ptr<FlexImageFloat> makeAnalysisProxy(const FlexImageFloat& image, int32_t longSide);
+
 // Runs a flat list of mods over one image, in order, on private clones. With `useCache` it keeps
 // one intermediate image: a list that differs from the last one only from stage k on restarts
 // from the stored pixels instead of running stages 0..k-1 again (a slider drag on tile k).

@@ -473,3 +473,23 @@ TEST(ModSequenceRunner, EmptyImageDoesNothing)
     EXPECT_EQ(countsOf(1), (std::vector<int>{0}));
     EXPECT_EQ(runner.stageCount(), 0);
 }
+
+TEST(ModSequenceRunner, AnalysisProxyKeepsTheAspectAndTheScale)
+{
+    FlexImageFloat portrait(400, 1000, 3);
+    fillGradient(portrait);
+    portrait.scale = 1.5f;
+    auto proxy = makeAnalysisProxy(portrait, 150);
+    ASSERT_NE(proxy, nullptr);
+    EXPECT_EQ(proxy->width, 60);
+    EXPECT_EQ(proxy->height, 150);
+    EXPECT_FLOAT_EQ(proxy->scale, 400.0f * 1.5f / 60.0f);
+    // Never larger than the image.
+    FlexImageFloat small(30, 20, 3);
+    fillGradient(small);
+    proxy = makeAnalysisProxy(small, 150);
+    EXPECT_EQ(proxy->width, 30);
+    EXPECT_EQ(proxy->height, 20);
+    FlexImageFloat empty(0, 0, 3);
+    EXPECT_EQ(makeAnalysisProxy(empty, 150), nullptr);
+}
