@@ -57,9 +57,9 @@ void ImageModPlastic::runRecipe(FlexImageFloat* image, const ImageModApplyContex
     s.discolor(a * (0.45f + 0.15f * wave(v, k5, 0.7)), offsetOf(v, k1, 0.3), {201.0f, 180.0f, 103.0f}, 1.2f,
                0.8f + 0.3f * wave(v, k4, 1.1));
     s.gamma(a * (0.08f + 0.06f * wave(v, k6, 0.5)) + 1.0f);
-    s.vignette(a * (0.45f + 0.1f * wave(v, k7, 1.2)), 35.0f, 0.9f);
+    s.vignette(a * (0.35f + 0.1f * wave(v, k7, 1.2)), 35.0f, 0.95f);
     s.rgbCurves(a, kPlasticRed, kPlasticGreen, kPlasticBlue, kPlasticRgb);
-    s.splitTone(a * 0.3f, {40.0f, 20.0f, 90.0f}, {255.0f, 240.0f, 190.0f});
+    s.splitTone(a * 0.2f, {30.0f, 25.0f, 60.0f}, {255.0f, 240.0f, 190.0f});
     s.contrast(a * 0.15f + 1.0f);
     s.noise(a * 22.0f, 30.0f, offsetOf(v, k2, 0.8));
 }
@@ -75,10 +75,10 @@ void ImageModHipster::runRecipe(FlexImageFloat* image, const ImageModApplyContex
 {
     StyleStages s(image, context);
     s.gamma(a * (0.1f + 0.05f * wave(v, k6, 1.0)) + 1.0f);
-    s.rgbCombinedCurve(a, "0.000000 0.000000 0.117391 0.000000 0.239130 0.291304 0.452174 0.539130 0.695652 "
+    s.rgbCombinedCurve(a * 0.7f, "0.000000 0.000000 0.117391 0.000000 0.239130 0.291304 0.452174 0.539130 0.695652 "
                           "0.736956 1.000000 0.843478 1.000000 1.000000");
-    s.vignette(a * (0.5f + 0.15f * wave(v, k7, 0.4)), 40.0f, 0.85f);
-    s.rgbCurves(a, "0.000000 0.000000 0.188679 0.070755 0.686321 0.964623 1.000000 1.000000",
+    s.vignette(a * (0.35f + 0.1f * wave(v, k7, 0.4)), 40.0f, 0.9f);
+    s.rgbCurves(a * 0.6f, "0.000000 0.000000 0.188679 0.070755 0.686321 0.964623 1.000000 1.000000",
                 "0.000000 0.000000 0.108491 0.165094 0.851415 1.000000 1.000000 1.000000",
                 "0.000000 0.000000 0.259434 0.018868 0.877358 1.000000 1.000000 1.000000");
     s.saturation(a * (-0.15f + 0.1f * wave(v, k8, 2.0)) + 1.0f);
@@ -125,18 +125,18 @@ void ImageModSkater::runRecipe(FlexImageFloat* image, const ImageModApplyContext
     if (version >= 3) {
         s.blur(a * 10.0f, 60.0f);
         s.gamma(a * (0.06f + 0.06f * wave(v, k6, 0.2)) + 1.0f);
-        s.vignette(a * (0.55f + 0.15f * wave(v, k7, 1.0)), 45.0f, 0.8f);
-        s.rgbCurves(a, red, green, blue);
-        s.saturation(a * (0.25f + 0.1f * wave(v, k8, 0.6)) + 1.0f);
-        s.noise(a * 30.0f, scale, offsetOf(v, k1, 0.5));
+        s.vignette(a * (0.4f + 0.1f * wave(v, k7, 1.0)), 45.0f, 0.9f);
+        s.rgbCurves(a * 0.5f, red, green, blue);
+        s.saturation(a * (0.15f + 0.08f * wave(v, k8, 0.6)) + 1.0f);
+        s.noise(a * 24.0f, scale, offsetOf(v, k1, 0.5));
         return;
     }
     s.gamma(a * (0.06f + 0.06f * wave(v, k6, 0.2)) + 1.0f);
-    s.vignette(a * (0.55f + 0.15f * wave(v, k7, 1.0)), 45.0f, 0.8f);
-    s.rgbCurves(a, red, green, blue);
-    s.saturation(a * (0.25f + 0.1f * wave(v, k8, 0.6)) + 1.0f);
-    s.noise(a * 26.0f, scale, offsetOf(v, k1, 0.5));
-    s.noise(a * 14.0f, scale * 2.0f, offsetOf(v, k3, 1.5), 2);
+    s.vignette(a * (0.4f + 0.1f * wave(v, k7, 1.0)), 45.0f, 0.9f);
+    s.rgbCurves(a * 0.5f, red, green, blue);
+    s.saturation(a * (0.15f + 0.08f * wave(v, k8, 0.6)) + 1.0f);
+    s.noise(a * 20.0f, scale, offsetOf(v, k1, 0.5));
+    s.noise(a * 10.0f, scale * 2.0f, offsetOf(v, k3, 1.5), 2);
 }
 
 // --- Poolside -----------------------------------------------------------------------------------
@@ -156,7 +156,7 @@ void ImageModPoolside::runRecipe(FlexImageFloat* image, const ImageModApplyConte
     // Version 1 also darkened the corners.
     if (version < 2)
         s.vignette(a * 0.35f, 30.0f, 1.0f);
-    s.rgbCurves(a * 0.8f, "0.000000 0.000000 0.361751 0.467742 1.000000 1.000000", "0.000000 0.000000 1.000000 1.000000",
+    s.rgbCurves(a * 0.6f, "0.000000 0.000000 0.361751 0.467742 1.000000 1.000000", "0.000000 0.000000 1.000000 1.000000",
                 "0.000000 0.169725 0.660550 0.555046 1.000000 1.000000",
                 "0.000000 0.110091 0.444954 0.802752 1.000000 1.000000");
 }
@@ -243,8 +243,8 @@ void ImageModInstant::runRecipe(FlexImageFloat* image, const ImageModApplyContex
     s.gamma(a * (0.08f + 0.05f * wave(v, k6, 1.9)) + 1.0f);
     s.luminanceCurve(a * 0.7f, "0.000000 0.000000 0.313043 0.152174 0.404348 0.597826 1.000000 1.000000");
     s.vignette(a * 0.287888f, 40.0f + 15.0f * wave(v, k7, 0.3), 0.9f);
-    s.colorFilter(a * 0.25f, {255.0f, 225.0f + 10.0f * wave(v, k3, 2.4), 170.0f});
-    s.discolor(a * 0.3f, offsetOf(v, k1, 1.7), {255.0f, 160.0f, 90.0f}, 1.3f, 1.0f);
+    s.colorFilter(a * 0.15f, {255.0f, 225.0f + 10.0f * wave(v, k3, 2.4), 170.0f});
+    s.discolor(a * 0.18f, offsetOf(v, k1, 1.7), {255.0f, 190.0f, 130.0f}, 1.3f, 1.0f);
     s.luminanceCurve(a, "0.000000 0.141304 0.278261 0.157826 0.528261 0.652174 1.000000 1.000000");
     s.blur(a * 8.0f, 58.0f);
 }
@@ -261,10 +261,13 @@ void ImageMod1983::runRecipe(FlexImageFloat* image, const ImageModApplyContext* 
     // The plastic camera's curves pushed harder: punchy contrast and colour, magenta shadows, a
     // dark frame and grain.
     StyleStages s(image, context);
-    s.rgbCurves(a, kPlasticRed, kPlasticGreen, kPlasticBlue, kPlasticRgb);
-    s.contrast(a * 0.25f + 1.0f);
-    s.saturation(a * (0.3f + 0.1f * wave(v, k8, 0.9)) + 1.0f);
-    s.splitTone(a * 0.25f, {60.0f, 0.0f, 90.0f}, {255.0f, 235.0f, 150.0f + 30.0f * wave(v, k3, 0.2)});
-    s.vignette(a * 0.6f, 35.0f, 0.85f);
+    s.gamma(a * 0.1f + 1.0f);
+    // The common curve crushes everything below a quarter; here it only deepens the shadows.
+    s.rgbCurves(a * 0.7f, kPlasticRed, kPlasticGreen, kPlasticBlue);
+    s.rgbCurves(a * 0.3f, nullptr, nullptr, nullptr, kPlasticRgb);
+    s.contrast(a * 0.12f + 1.0f);
+    s.saturation(a * (0.2f + 0.08f * wave(v, k8, 0.9)) + 1.0f);
+    s.splitTone(a * 0.18f, {60.0f, 0.0f, 90.0f}, {255.0f, 235.0f, 150.0f + 30.0f * wave(v, k3, 0.2)});
+    s.vignette(a * 0.4f, 35.0f, 0.9f);
     s.noise(a * 20.0f, 35.0f, offsetOf(v, k2, 1.3));
 }

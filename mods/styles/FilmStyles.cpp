@@ -102,7 +102,7 @@ void ImageModHelga::runRecipe(FlexImageFloat* image, const ImageModApplyContext*
     s.luminanceCurve(a * 0.6f, "0.000000 0.091216 0.179054 0.162162 0.324324 0.358108 0.733108 0.574324 1.000000 "
                                "1.000000");
     s.saturation(a * 0.1f + 1.0f);
-    s.vignette(a * (0.7f + 0.1f * wave(v, k7, 0.8)), 25.0f, 0.8f);
+    s.vignette(a * (0.45f + 0.1f * wave(v, k7, 0.8)), 25.0f, 0.9f);
     s.blur(a * 6.0f, 50.0f);
 }
 
@@ -126,7 +126,7 @@ void ImageModAutochrome::runRecipe(FlexImageFloat* image, const ImageModApplyCon
     s.rgbCombinedCurve(a * 0.8f, "0 .08 .5 .52 1 .92");
     s.discolor(a * 0.35f, offsetOf(v, k5, 0.9), {180.0f, 200.0f, 120.0f}, 0.8f, 1.0f);
     s.noise(a * 22.0f, 12.0f, offsetOf(v, k2, 0.3), 2);
-    s.vignette(a * 0.6f, 20.0f, 0.9f);
+    s.vignette(a * 0.35f, 20.0f, 1.0f);
 }
 
 // --- 1974 ---------------------------------------------------------------------------------------
@@ -178,7 +178,7 @@ void ImageMod1962::runRecipe(FlexImageFloat* image, const ImageModApplyContext* 
         s.blur(a * 5.0f, 50.0f);
         s.noise(a * 15.0f, 20.0f, offsetOf(v, k1, 0.7));
         s.contrast(a * 0.3f + 1.0f);
-        s.contrast(a * 0.1f * (wave(v, k4, 0.3) + 1.0f) + 1.0f);
+        s.contrast(a * 0.05f * (wave(v, k4, 0.3) + 1.0f) + 1.0f);
         s.rgbCombinedCurve(a, "0.000000 0.082609 0.278261 0.156522 0.500000 0.493478 1.000000 1.000000");
         s.noise(a * 8.0f, 50.0f, offsetOf(v, k2, 1.9), 2);
         return;
