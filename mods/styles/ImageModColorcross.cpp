@@ -25,6 +25,9 @@ std::array<ToneCurve, 3> ImageModColorcross::buildCurves(float a, float v)
     static constexpr float reach[5] = {0.12f, 0.10f, 0.09f, 0.10f, 0.12f};
     const double theta = phaseOf(v);
     std::array<ToneCurve, 3> curves;
+    // Plain "0 0 1 1" curves, which the curve stage skips.
+    if (a == 0.0f)
+        return curves;
     for (int32_t k = 0; k < 3; ++k) {
         const double phi = theta + double(k) * 2.0943951023931953;
         std::vector<ToneCurvePoint> pts(5);
