@@ -268,6 +268,6 @@ void ImageMod1983::runRecipe(FlexImageFloat* image, const ImageModApplyContext* 
     s.contrast(a * 0.12f + 1.0f);
     s.saturation(a * (0.2f + 0.08f * wave(v, k8, 0.9)) + 1.0f);
     s.splitTone(a * 0.18f, {60.0f, 0.0f, 90.0f}, {255.0f, 235.0f, 150.0f + 30.0f * wave(v, k3, 0.2)});
-    s.vignette(a * 0.4f, 35.0f, 0.9f);
+    s.vignette(a * 0.25f, 35.0f, 0.9f);
     s.noise(a * 20.0f, 35.0f, offsetOf(v, k2, 1.3));
 }

@@ -124,7 +124,7 @@ void ImageModAutochrome::runRecipe(FlexImageFloat* image, const ImageModApplyCon
     s.saturation(drained(a, 0.35f));
     s.colorizeCurve(a * 0.6f, "0 .4 .5 .5 1 .62", {200.0f, 170.0f, 110.0f});
     s.rgbCombinedCurve(a * 0.8f, "0 .08 .5 .52 1 .92");
-    s.discolor(a * 0.35f, offsetOf(v, k5, 0.9), {180.0f, 200.0f, 120.0f}, 0.8f, 1.0f);
+    s.discolor(a * 0.22f, offsetOf(v, k5, 0.9), {180.0f, 200.0f, 120.0f}, 0.8f, 1.0f);
     s.noise(a * 22.0f, 12.0f, offsetOf(v, k2, 0.3), 2);
     s.vignette(a * 0.35f, 20.0f, 1.0f);
 }
