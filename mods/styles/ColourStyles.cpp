@@ -110,7 +110,7 @@ void ImageModWedding::runRecipe(FlexImageFloat* image, const ImageModApplyContex
 
 ImageModSkater::ImageModSkater() : ImageModStyle("Skater", "Skater Camera")
 {
-    describe("Skinned knees and noisy photos.", 3);
+    describe("Skinned knees and noisy photos.", 3, 10.0f);
 }
 
 void ImageModSkater::runRecipe(FlexImageFloat* image, const ImageModApplyContext* context, float a, float v) const
@@ -233,7 +233,7 @@ void ImageModItaliano::runRecipe(FlexImageFloat* image, const ImageModApplyConte
 
 ImageModInstant::ImageModInstant() : ImageModStyle("Instant", "Instant Camera")
 {
-    describe("No need to shake this instant-developing film.", 2);
+    describe("No need to shake this instant-developing film.", 2, 8.0f);
 }
 
 void ImageModInstant::runRecipe(FlexImageFloat* image, const ImageModApplyContext* context, float a,

@@ -88,7 +88,7 @@ void ImageModMatte::runRecipe(FlexImageFloat* image, const ImageModApplyContext*
 
 ImageModHelga::ImageModHelga() : ImageModStyle("Helga", "Helga Camera")
 {
-    describe("A toy camera feel with washed-out highlights and old-school vignetting.", 2);
+    describe("A toy camera feel with washed-out highlights and old-school vignetting.", 2, 6.0f);
 }
 
 void ImageModHelga::runRecipe(FlexImageFloat* image, const ImageModApplyContext* context, float a, float v) const
@@ -110,7 +110,7 @@ void ImageModHelga::runRecipe(FlexImageFloat* image, const ImageModApplyContext*
 
 ImageModAutochrome::ImageModAutochrome() : ImageModStyle("Autochrome", "Autochrome Camera")
 {
-    describe("One of the first color photo processes from the early 1900s.", 3);
+    describe("One of the first color photo processes from the early 1900s.", 3, 10.0f);
 }
 
 void ImageModAutochrome::runRecipe(FlexImageFloat* image, const ImageModApplyContext* context, float a,
@@ -133,7 +133,7 @@ void ImageModAutochrome::runRecipe(FlexImageFloat* image, const ImageModApplyCon
 
 ImageMod1974::ImageMod1974() : ImageModStyle("1974", "1974 Camera")
 {
-    describe("Dad's old camera. Faded, tinted, and hip.", 3);
+    describe("Dad's old camera. Faded, tinted, and hip.", 3, 5.0f);
 }
 
 void ImageMod1974::runRecipe(FlexImageFloat* image, const ImageModApplyContext* context, float a, float v) const
@@ -165,7 +165,7 @@ void ImageMod1974::runRecipe(FlexImageFloat* image, const ImageModApplyContext* 
 
 ImageMod1962::ImageMod1962() : ImageModStyle("1962", "1962 Camera")
 {
-    describe("Dynamic, high-contrast black and whites from the photojournalism of a bygone era.", 4);
+    describe("Dynamic, high-contrast black and whites from the photojournalism of a bygone era.", 4, 5.0f);
 }
 
 void ImageMod1962::runRecipe(FlexImageFloat* image, const ImageModApplyContext* context, float a, float v) const
@@ -194,7 +194,7 @@ void ImageMod1962::runRecipe(FlexImageFloat* image, const ImageModApplyContext* 
 
 ImageMod1958::ImageMod1958() : ImageModStyle("1958", "1958 Camera")
 {
-    describe("Those nostalgic maroon hues from Christmases decked with cowboy hats and BB guns.", 2);
+    describe("Those nostalgic maroon hues from Christmases decked with cowboy hats and BB guns.", 2, 6.0f);
 }
 
 void ImageMod1958::runRecipe(FlexImageFloat* image, const ImageModApplyContext* context, float a, float v) const

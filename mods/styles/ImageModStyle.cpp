@@ -2,6 +2,7 @@
 
 #include "core/ImageModSelector.h"
 #include "core/ParallelFor.h"
+#include "mods/ImageModBlur.h"
 
 #include <cstring>
 
@@ -12,10 +13,21 @@ ImageModStyle::ImageModStyle(std::string modName, std::string label)
     addFloat(kVariationVariableName, 0.0f, -5000.0f, 5000.0f);
 }
 
-void ImageModStyle::describe(const char* tip, int32_t newestVersion)
+void ImageModStyle::describe(const char* tip, int32_t newestVersion, float blurAtFullAmount)
 {
     toolTip = tip;
     version = newestVersion;
+    blurPerAmount = blurAtFullAmount;
+}
+
+int32_t ImageModStyle::paddingNeeded(int32_t width, int32_t height, float scale) const
+{
+    const float a = floatValue(varAmount);
+    if (blurPerAmount == 0.0f || a == 0.0f)
+        return 0;
+    ImageModBlur blur;
+    blur.variableAt(0)->setFloatValue(blurPerAmount * a);
+    return blur.paddingNeeded(width, height, scale);
 }
 
 namespace {

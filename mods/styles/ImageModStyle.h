@@ -21,6 +21,8 @@ public:
     ImageModStyle(std::string modName, std::string label);
 
     int32_t kind() const override { return styleKind; }
+    // The reach of the recipe's blur stage, if it has one.
+    int32_t paddingNeeded(int32_t width, int32_t height, float scale) const override;
     void apply(FlexImage8* image, const ImageModApplyContext* context) override;
     void apply(FlexImageFloat* image, const ImageModApplyContext* context) override;
 
@@ -32,8 +34,12 @@ public:
     static float wave(float v, double k, double p) { return float(std::cos(double(v) * k + p)); }
 
 protected:
-    // Tool tip and newest version, set by each style's constructor.
-    void describe(const char* tip, int32_t newestVersion);
+    // Tool tip, newest version and the blur stage's Amount at a of 1 (0 for a recipe without
+    // blur), set by each style's constructor.
+    void describe(const char* tip, int32_t newestVersion, float blurAtFullAmount = 0.0f);
+
+private:
+    float blurPerAmount = 0.0f;
 };
 
 // The phase constants that many recipes share.

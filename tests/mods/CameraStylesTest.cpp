@@ -297,3 +297,15 @@ TEST(CameraStyles, EmptyAndNullImagesAreIgnored)
         EXPECT_TRUE(empty.isEmpty());
     }
 }
+
+TEST(CameraStyles, PaddingFollowsTheBlurStage)
+{
+    ImageModSkater skater;
+    ImageModSaloon saloon;
+    ImageModAutochrome autochrome;
+    EXPECT_GT(skater.paddingNeeded(6000, 4000, 1.0f), 0);
+    EXPECT_GE(autochrome.paddingNeeded(6000, 4000, 1.0f), skater.paddingNeeded(6000, 4000, 1.0f));
+    EXPECT_EQ(saloon.paddingNeeded(6000, 4000, 1.0f), 0);
+    skater.variableAt(ImageModStyle::varAmount)->setFloatValue(0.0f);
+    EXPECT_EQ(skater.paddingNeeded(6000, 4000, 1.0f), 0);
+}
