@@ -53,7 +53,8 @@ static inline float valueNoise(float x, float y, uint32_t seed)
 
 // Sum of `octaves` value noises, each `lacunarity` times finer and `persistence` times weaker,
 // normalised back to -1..1.
-static inline float fractalNoise(float x, float y, int32_t octaves, float persistence, float lacunarity, uint32_t seed)
+static inline float fractalNoise(
+    float x, float y, int32_t octaves, float persistence, float lacunarity, uint32_t seed)
 {
     float sum = 0.0f, norm = 0.0f, amp = 1.0f;
     for (int32_t o = 0; o < octaves; ++o) {

@@ -8,12 +8,13 @@
 #include <cstring>
 #include <vector>
 
-ImageModBlur::ImageModBlur() : ImageMod("Blur", "Blur")
+ImageModBlur::ImageModBlur()
+    : ImageMod("Blur", "Blur")
 {
     toolTip = "Blur the image using the selected blurring method.";
     ImageModVariable* amount = addFloat("Amount", 0.0f, 0.0f, 100.0f);
     ImageModVariable* mix = addFloat("Mix", 100.0f, 0.0f, 100.0f);
-    addChoice("Blur Method", {"Gaussian", "Box", "Circle"}, 0);
+    addChoice("Blur Method", { "Gaussian", "Box", "Circle" }, 0);
     addAnimator(amount, "65 20 65", 3.0f);
     addAnimator(mix, "100 50 100", 2.571f);
 }
@@ -33,21 +34,22 @@ int32_t ImageModBlur::paddingNeeded(int32_t width, int32_t height, float) const
     return blurReach(radiusFor(amount, choiceIndex(2), width, height));
 }
 
-namespace {
+namespace
+{
 
 // Final store of every blur: mix with the original, then the mask merge over the original.
 template <typename Sample>
 static inline Sample blendStore(float original, float blurred, float mix, float mask)
 {
     const float mixed = clamp255(original * (1.0f - mix) + clamp255(blurred) * mix);
-    return storeSample<Sample>(original * (1.0f - mask) + mixed * mask);
+    return storeClamped<Sample>(original * (1.0f - mask) + mixed * mask);
 }
 
 // Writes one blurred row (accumulated in `acc`, all channels interleaved) into row y of the image,
 // which still holds the original there.
 template <typename Sample>
-void storeBlurredRow(FlexImageT<Sample>* image, int32_t y, const float* acc, float mix,
-                     const ImageModApplyContext* context)
+void storeBlurredRow(
+    FlexImageT<Sample>* image, int32_t y, const float* acc, float mix, const ImageModApplyContext* context)
 {
     Sample* row = image->row(y);
     const int32_t ch = image->channels;
@@ -57,7 +59,7 @@ void storeBlurredRow(FlexImageT<Sample>* image, int32_t y, const float* acc, flo
         const int32_t n = w * ch;
         if (mix >= 1.0f) {
             for (int32_t k = 0; k < n; ++k)
-                row[k] = storeSample<Sample>(acc[k]);
+                row[k] = storeClamped<Sample>(acc[k]);
         } else {
             for (int32_t k = 0; k < n; ++k)
                 row[k] = blendStore<Sample>(float(row[k]), acc[k], mix, 1.0f);
@@ -76,7 +78,8 @@ void storeBlurredRow(FlexImageT<Sample>* image, int32_t y, const float* acc, flo
 // Separable Gaussian or Box: a horizontal pass into a private image, then a vertical pass from
 // it back into the image with the clamp, mix and mask merge.
 template <typename Sample>
-void separableBlur(FlexImageT<Sample>* image, float r, int32_t method, float mix, const ImageModApplyContext* context)
+void separableBlur(
+    FlexImageT<Sample>* image, float r, int32_t method, float mix, const ImageModApplyContext* context)
 {
     const int32_t reach = blurReach(r);
     const int32_t w = image->width;
@@ -195,7 +198,8 @@ void circleBlur(FlexImageT<Sample>* image, float r, float mix, const ImageModApp
 }
 
 template <typename Sample>
-void blurImage(FlexImageT<Sample>* image, float r, int32_t method, float mix, const ImageModApplyContext* context)
+void blurImage(
+    FlexImageT<Sample>* image, float r, int32_t method, float mix, const ImageModApplyContext* context)
 {
     if (!image || image->isEmpty() || !(mix > 0.0f) || !(r > 1.0f) || !std::isfinite(r))
         return;
@@ -227,14 +231,14 @@ void applyBlur(const ImageModBlur& mod, FlexImageT<Sample>* image, const ImageMo
 
 } // namespace
 
-void ImageModBlur::blurWithRadius(FlexImage8* image, float r, int32_t method, float mix,
-                                  const ImageModApplyContext* context)
+void ImageModBlur::blurWithRadius(
+    FlexImage8* image, float r, int32_t method, float mix, const ImageModApplyContext* context)
 {
     blurImage(image, r, method, mix, context);
 }
 
-void ImageModBlur::blurWithRadius(FlexImageFloat* image, float r, int32_t method, float mix,
-                                  const ImageModApplyContext* context)
+void ImageModBlur::blurWithRadius(
+    FlexImageFloat* image, float r, int32_t method, float mix, const ImageModApplyContext* context)
 {
     blurImage(image, r, method, mix, context);
 }

@@ -3,7 +3,8 @@
 
 // "Blur": Gaussian, Box or Circle, sized from the whole frame so that a preview and the full-size
 // save look alike.
-class ImageModBlur : public ImageMod {
+class ImageModBlur : public ImageMod
+{
 public:
     enum Method : int32_t { Gaussian = 0, Box = 1, Circle = 2 };
 
@@ -19,8 +20,8 @@ public:
 
     // Blurs by radius r (reach ceil(r - 1)) with mix 0..1. A selector in the context merges the
     // result over the original by its mask. Other mods (Dynamics, Grain) call these directly.
-    static void blurWithRadius(FlexImage8* image, float r, int32_t method, float mix,
-                               const ImageModApplyContext* context);
-    static void blurWithRadius(FlexImageFloat* image, float r, int32_t method, float mix,
-                               const ImageModApplyContext* context);
+    static void blurWithRadius(
+        FlexImage8* image, float r, int32_t method, float mix, const ImageModApplyContext* context);
+    static void blurWithRadius(
+        FlexImageFloat* image, float r, int32_t method, float mix, const ImageModApplyContext* context);
 };

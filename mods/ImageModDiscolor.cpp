@@ -8,27 +8,30 @@
 #include <algorithm>
 #include <cmath>
 
-ImageModDiscolor::ImageModDiscolor() : ImageMod("Discolor", "Discolor")
+ImageModDiscolor::ImageModDiscolor()
+    : ImageMod("Discolor", "Discolor")
 {
     toolTip = "Apply uneven discoloration to the image.";
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     addFloat("Offset", 0.0f, 0.0f, 100.0f);
-    addColor("Color", 255.0f, 150.0f, 70.0f);
+    addColor("Color", 210.0f, 160.0f, 110.0f);
     addFloat("Scale", 1.0f, 0.0f, 2.0f);
     addFloat("Stretch", 1.0f, 0.0f, 2.0f);
 }
 
-namespace {
+namespace
+{
 
 // The colour filter step: a channel of 127.5 in the colour is neutral.
 static inline float filterStep(float c, float k, float w)
 {
-    const float f = k * 0.007843138f;
+    const float f = k / 127.5f; // by division: the rounded reciprocal would drift at k = 127.5
     return k <= 127.5f ? c + (f - 1.0f) * w * c : c + (f - 1.0f) * w * (255.0f - c);
 }
 
 template <typename Sample>
-void applyDiscolor(const ImageModDiscolor& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
+void applyDiscolor(
+    const ImageModDiscolor& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
 {
     if (!image || image->isEmpty())
         return;
@@ -37,7 +40,8 @@ void applyDiscolor(const ImageModDiscolor& mod, FlexImageT<Sample>* image, const
         return;
     const float offset = mod.floatValue(1);
     const ImageModVariableDataColor* color = mod.colorAt(2);
-    const float k[3] = {color ? color->red : 127.5f, color ? color->green : 127.5f, color ? color->blue : 127.5f};
+    const float k[3]
+        = { color ? color->red : 127.5f, color ? color->green : 127.5f, color ? color->blue : 127.5f };
     const float scale = std::max(mod.floatValue(3), 0.01f);
     const float stretch = std::max(mod.floatValue(4), 0.0f);
     const SpatialFrame frame = spatialFrameOf(*image, context);
@@ -61,7 +65,7 @@ void applyDiscolor(const ImageModDiscolor& mod, FlexImageT<Sample>* image, const
                 q *= maskAt(selector, image, x, y, context);
             const float wgt = q * amount;
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(filterStep(float(p[c]), cc < 3 ? k[1] : k[c], wgt));
+                p[c] = storeClamped<Sample>(filterStep(float(p[c]), cc < 3 ? k[1] : k[c], wgt));
         }
     });
 }

@@ -5,7 +5,8 @@
 // clouds are a two-octave value noise over the frame: Scale sizes them against the frame's longer
 // side, Stretch squeezes them vertically into streaks (below 1) or flattens them (above 1), and
 // Offset slides the pattern through the noise field.
-class ImageModDiscolor : public ImageMod {
+class ImageModDiscolor : public ImageMod
+{
 public:
     ImageModDiscolor();
 

@@ -7,12 +7,13 @@
 #include <algorithm>
 #include <cmath>
 
-ImageModDynamics::ImageModDynamics() : ImageMod("Dynamics", "Dynamics")
+ImageModDynamics::ImageModDynamics()
+    : ImageMod("Dynamics", "Dynamics")
 {
     toolTip = "Adjust the dynamic range of shadows and highlights relative to pixels within a given radius.";
     ImageModVariable* amount = addFloat("Amount", 0.0f, 0.0f, 100.0f);
     ImageModVariable* radius = addFloat("Radius", 50.0f, 0.0f, 100.0f);
-    addChoice("Method", {"Overlay", "Luminance"}, 0);
+    addChoice("Method", { "Overlay", "Luminance" }, 0);
     addAnimator(amount, "0 75 0", 3.0f);
     addAnimator(radius, "30 60", 2.55f);
     syncBlur();
@@ -41,7 +42,8 @@ int32_t ImageModDynamics::paddingNeeded(int32_t width, int32_t height, float sca
     return floatValue(0) == 0.0f ? 0 : blur.paddingNeeded(width, height, scale);
 }
 
-namespace {
+namespace
+{
 
 // Overlay of the pixel with a grey that follows the neighbourhood: a dark surround lifts the
 // pixel, a bright one lowers it.
@@ -101,13 +103,15 @@ void ImageModDynamics::applyDepth(FlexImageT<Sample>* image, const ImageModApply
         const Sample* avg = blurred.row(y);
         for (int32_t x = 0; x < w; ++x) {
             const float am = selector ? maskRuleB(a, maskAt(selector, image, x, y, context)) : a;
+            if (am == 0.0f)
+                continue; // the contrast pair at exponent 1 would still round
             Sample* p = row + x * ch;
             const Sample* q = avg + x * ch;
             const float yb = cc < 3 ? float(q[0]) : luminance(float(q[0]), float(q[1]), float(q[2]));
             if (method == Overlay) {
                 const float b = ((yb - overlayCenter) * am + overlayCenter) / 255.0f;
                 for (int32_t c = 0; c < cc; ++c)
-                    p[c] = storeSample<Sample>(overlayChannel(float(p[c]), b));
+                    p[c] = storeClamped<Sample>(overlayChannel(float(p[c]), b));
                 continue;
             }
             // Contrast around the local average, at amount am + 1 (capped short of the pole at 2).
@@ -116,7 +120,7 @@ void ImageModDynamics::applyDepth(FlexImageT<Sample>* image, const ImageModApply
             const float Y = cc < 3 ? float(p[0]) : luminance(float(p[0]), float(p[1]), float(p[2]));
             const float L = powerPair(Y, yb, e);
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(toLuminance(float(p[c]), Y, L));
+                p[c] = storeClamped<Sample>(toLuminance(float(p[c]), Y, L));
         }
     });
 }

@@ -5,7 +5,8 @@
 // "Dynamics": moves each pixel against the average of its neighbourhood, which compresses (Overlay)
 // or stretches (Luminance) local contrast. "Radius" sizes the neighbourhood: it is the Amount of
 // an inner Gaussian blur, so the neighbourhood follows the frame as a Blur would.
-class ImageModDynamics : public ImageMod {
+class ImageModDynamics : public ImageMod
+{
 public:
     enum Method : int32_t { Overlay = 0, Luminance = 1 };
     // Mid-grey of the Overlay blend: at this constant an Amount of 0 is exactly neutral.

@@ -23,7 +23,8 @@
 // - Response tables: version 2 weighs grain by a plain midtone parabola; version 3 lets it peak
 //   in the lower midtones and keeps a little in deep shadows and highlights, as film does.
 
-ImageModGrainFast::ImageModGrainFast() : ImageMod("Grain", "Grain")
+ImageModGrainFast::ImageModGrainFast()
+    : ImageMod("Grain", "Grain")
 {
     toolTip = "Apply film grain to the image.";
     version = 3;
@@ -51,7 +52,8 @@ std::shared_ptr<const GrainTile> ImageModGrainFast::currentTile() const
     return tile;
 }
 
-namespace {
+namespace
+{
 
 constexpr int32_t kStampCount = 17;
 constexpr float kTileRms = 0.35f;
@@ -125,7 +127,7 @@ static inline int32_t wrapIndex(int32_t i, int32_t n)
 const std::array<float, 256>& responseTable(int32_t version)
 {
     static const std::array<float, 256> older = [] {
-        std::array<float, 256> t{};
+        std::array<float, 256> t {};
         for (int32_t i = 0; i < 256; ++i) {
             const float m = float(i) / 127.5f - 1.0f;
             t[size_t(i)] = 0.35f + 0.65f * (1.0f - m * m);
@@ -133,7 +135,7 @@ const std::array<float, 256>& responseTable(int32_t version)
         return t;
     }();
     static const std::array<float, 256> film = [] {
-        std::array<float, 256> t{};
+        std::array<float, 256> t {};
         for (int32_t i = 0; i < 256; ++i) {
             const float x = std::pow(float(i) / 255.0f, 0.8f);
             t[size_t(i)] = 0.2f + 0.8f * std::pow(4.0f * x * (1.0f - x), 0.75f);
@@ -200,7 +202,8 @@ std::shared_ptr<const GrainTile> ImageModGrainFast::buildTile(float r, float amp
                     h = mixHash(h);
                     const float jy = (unitFloat(h) - 0.5f) * step;
                     h = mixHash(h);
-                    const float* st = stamps.data() + size_t(h % uint32_t(kStampCount)) * size_t(stampSide * stampSide);
+                    const float* st
+                        = stamps.data() + size_t(h % uint32_t(kStampCount)) * size_t(stampSide * stampSide);
                     h = mixHash(h);
                     const float strength = sign * stampWeight(unitFloat(h), u);
                     const int32_t left = int32_t(std::lround((float(i) + 0.5f) * step + jx)) - cr;
@@ -326,7 +329,7 @@ void ImageModGrainFast::applyDepth(FlexImageT<Sample>* image, const ImageModAppl
             const float t = response[size_t(std::clamp(int32_t(Y), 0, 255))];
             const float add = trow[tx] * t * gain;
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(float(p[c]) + add);
+                p[c] = storeClamped<Sample>(float(p[c]) + add);
             if (++tx == n)
                 tx = 0;
         }
@@ -343,7 +346,7 @@ void ImageModGrainFast::applyDepth(FlexImageT<Sample>* image, const ImageModAppl
             const float q = maskAt(selector, image, x, y, context);
             Sample* p = row + x * ich;
             for (int32_t c = 0; c < ich; ++c)
-                p[c] = storeSample<Sample>(float(p[c]) * (1.0f - q) + float(grained[x * ich + c]) * q);
+                p[c] = storeClamped<Sample>(float(p[c]) * (1.0f - q) + float(grained[x * ich + c]) * q);
         }
     });
 }

@@ -26,7 +26,8 @@ struct GrainTile {
 //
 // The driver calls pass 0 and then pass 1: pass 0 only makes sure the tile exists, pass 1 (and -1,
 // inside a group, or a call without a context) lays the grain.
-class ImageModGrainFast : public ImageMod {
+class ImageModGrainFast : public ImageMod
+{
 public:
     ImageModGrainFast();
 

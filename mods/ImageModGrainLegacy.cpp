@@ -8,7 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
-ImageModGrainLegacy::ImageModGrainLegacy() : ImageMod("Grain Legacy", "Grain Legacy")
+ImageModGrainLegacy::ImageModGrainLegacy()
+    : ImageMod("Grain Legacy", "Grain Legacy")
 {
     toolTip = "Apply film grain to the image.";
     ImageModVariable* amount = addFloat("Amount", 25.0f, 0.0f, 100.0f);
@@ -19,14 +20,16 @@ ImageModGrainLegacy::ImageModGrainLegacy() : ImageMod("Grain Legacy", "Grain Leg
     addAnimator(uniformity, "0 100 0", 3.0f);
 }
 
-namespace {
+namespace
+{
 
 // The older look: grain cells of `cell` document pixels carrying a hashed value, blended between
 // lattice points; Uniformity pulls every cell towards the same magnitude. Midtones get the most.
 // Amplitude falls with the cell's size on screen when a cell is smaller than a working pixel,
 // because a preview pixel averages several cells of the full-size grain.
 template <typename Sample>
-void applyLegacy(const ImageModGrainLegacy& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
+void applyLegacy(
+    const ImageModGrainLegacy& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
 {
     if (!image || image->isEmpty())
         return;
@@ -58,7 +61,7 @@ void applyLegacy(const ImageModGrainLegacy& mod, FlexImageT<Sample>* image, cons
             const float mid = 1.0f - 0.6f * std::fabs(Y / 127.5f - 1.0f);
             const float add = n * strength * mid * m;
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(float(p[c]) + add);
+                p[c] = storeClamped<Sample>(float(p[c]) + add);
         }
     });
 }

@@ -4,7 +4,8 @@
 // "Grain Legacy": the older grain, kept so that old filters keep their look; not offered in the
 // panel. Per-pixel hashed value noise laid on the document's own pixel grid, so a preview shows
 // the grain a full-size save will have. Version 1 of "Grain" runs it.
-class ImageModGrainLegacy : public ImageMod {
+class ImageModGrainLegacy : public ImageMod
+{
 public:
     ImageModGrainLegacy();
 

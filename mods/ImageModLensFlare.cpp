@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <cmath>
 
-ImageModLensFlare::ImageModLensFlare() : ImageMod("Lens Flare", "Lens Flare")
+ImageModLensFlare::ImageModLensFlare()
+    : ImageMod("Lens Flare", "Lens Flare")
 {
-    toolTip = "Draw an adjustable lens flare on the image, as appears when a camera is pointed at a bright point of "
+    toolTip = "Draw an adjustable lens flare on the image, as appears when a camera is pointed at a bright "
+              "point of "
               "light.";
     ImageModVariable* amount = addFloat("Amount", 0.5f, 0.0f, 1.0f);
     amount->data->setDisplayScale(0.0f, 100.0f);
@@ -26,43 +28,44 @@ const FlexImageFloat& ImageModLensFlare::sprite()
     // Rays from the angle round the centre (acos of the unit x), a few long ones and many faint
     // short ones, over a soft core. Thread-safe one-time construction.
     struct Holder {
-        FlexImageFloat s{spriteSize, spriteSize, 1};
+        FlexImageFloat s { spriteSize, spriteSize, 1 };
         Holder()
         {
-        const float half = float(spriteSize) * 0.5f;
-        for (int32_t y = 0; y < spriteSize; ++y)
-            for (int32_t x = 0; x < spriteSize; ++x) {
-                const float dx = (float(x) + 0.5f - half) / half, dy = (float(y) + 0.5f - half) / half;
-                const float d = std::sqrt(dx * dx + dy * dy);
-                float angle = d > 0.0f ? std::acos(std::clamp(dx / d, -1.0f, 1.0f)) : 0.0f;
-                if (dy < 0.0f)
-                    angle = 6.2831853f - angle;
-                const float longRays = std::pow(std::fabs(std::cos(angle * 3.0f + 0.3f)), 80.0f);
-                const float shortRays = 0.35f * std::pow(std::fabs(std::cos(angle * 17.0f)), 30.0f)
-                                        * (0.5f + 0.5f * unitFloat(flareHash(uint32_t(angle * 40.0f))));
-                const float fade = std::max(0.0f, 1.0f - d);
-                const float rays = (longRays * fade * fade + shortRays * fade * fade * fade);
-                const float core = std::exp(-d * d * 60.0f);
-                s.data[y * spriteSize + x] = std::min(1.0f, rays + core);
-            }
+            const float half = float(spriteSize) * 0.5f;
+            for (int32_t y = 0; y < spriteSize; ++y)
+                for (int32_t x = 0; x < spriteSize; ++x) {
+                    const float dx = (float(x) + 0.5f - half) / half, dy = (float(y) + 0.5f - half) / half;
+                    const float d = std::sqrt(dx * dx + dy * dy);
+                    float angle = d > 0.0f ? std::acos(std::clamp(dx / d, -1.0f, 1.0f)) : 0.0f;
+                    if (dy < 0.0f)
+                        angle = 6.2831853f - angle;
+                    const float longRays = std::pow(std::fabs(std::cos(angle * 3.0f + 0.3f)), 80.0f);
+                    const float shortRays = 0.35f * std::pow(std::fabs(std::cos(angle * 17.0f)), 30.0f)
+                        * (0.5f + 0.5f * unitFloat(flareHash(uint32_t(angle * 40.0f))));
+                    const float fade = std::max(0.0f, 1.0f - d);
+                    const float rays = (longRays * fade * fade + shortRays * fade * fade * fade);
+                    const float core = std::exp(-d * d * 60.0f);
+                    s.data[y * spriteSize + x] = std::min(1.0f, rays + core);
+                }
         }
     };
     static const Holder holder;
     return holder.s;
 }
 
-namespace {
+namespace
+{
 
 struct Ghost {
     float x = 0.0f, y = 0.0f; // buffer pixels
     float radius = 1.0f;
     float ring = 0.0f; // 0 a soft disc, 1 a ring
-    float rgb[3] = {0.0f, 0.0f, 0.0f};
+    float rgb[3] = { 0.0f, 0.0f, 0.0f };
 };
 
 struct FlareSetup {
     float sx = 0.0f, sy = 0.0f; // source, buffer pixels
-    float unit = 1.0f;          // the frame's half-diagonal
+    float unit = 1.0f; // the frame's half-diagonal
     float glowRadius = 1.0f;
     float spriteRadius = 1.0f;
     Ghost ghosts[ImageModLensFlare::ghostCount];
@@ -100,13 +103,15 @@ FlareSetup flareSetup(const ImageModLensFlare& mod, const SpatialFrame& frame)
     for (int32_t i = 0; i < ImageModLensFlare::ghostCount; ++i) {
         Ghost& g = s.ghosts[i];
         // Spread along the axis from just past the source to well beyond the centre.
-        const float t = 0.35f + 1.9f * (float(i) + ghostParam(variation, i, 0)) / float(ImageModLensFlare::ghostCount);
+        const float t
+            = 0.35f + 1.9f * (float(i) + ghostParam(variation, i, 0)) / float(ImageModLensFlare::ghostCount);
         g.x = s.sx + ax * t;
         g.y = s.sy + ay * t;
         g.radius = s.unit * (0.025f + 0.11f * ghostParam(variation, i, 1) * ghostParam(variation, i, 1));
         g.ring = ghostParam(variation, i, 2) > 0.7f ? 1.0f : 0.0f;
-        const float hue = std::fmod(240.0f + 180.0f * ghostParam(variation, i, 3) * 0.9f + float(i) * 0.1f * 180.0f, 360.0f);
-        const float strength = 0.05f + 0.12f * ghostParam(variation, i, 4);
+        const float hue = std::fmod(
+            240.0f + 180.0f * ghostParam(variation, i, 3) * 0.9f + float(i) * 0.1f * 180.0f, 360.0f);
+        const float strength = 0.25f + 0.45f * ghostParam(variation, i, 4);
         float r, gg, b;
         hsvToRgb(hue, 0.55f, 1.0f, r, gg, b);
         // Small ghosts are brighter, large ones fainter, as the light spreads.
@@ -187,7 +192,7 @@ void applyFlare(const ImageModLensFlare& mod, FlexImageT<Sample>* image, const I
             for (int32_t c = 0; c < cc; ++c) {
                 // Screen blend: light adds towards white and never darkens.
                 const float l = std::min(light[cc < 3 ? 1 : c] * a, 255.0f) / 255.0f;
-                p[c] = storeSample<Sample>(255.0f - (255.0f - float(p[c])) * (1.0f - l));
+                p[c] = storeClamped<Sample>(255.0f - (255.0f - float(p[c])) * (1.0f - l));
             }
         }
     });

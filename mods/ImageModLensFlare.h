@@ -8,7 +8,8 @@
 // "Variation" moves the ghosts smoothly: each ghost's place, size, hue and strength is a smooth
 // noise of Variation, so the animator makes them drift and a remix step gives a related flare.
 // Every size is a fraction of the frame's half-diagonal, so a preview and the save agree.
-class ImageModLensFlare : public ImageMod {
+class ImageModLensFlare : public ImageMod
+{
 public:
     static constexpr int32_t ghostCount = 7;
     static constexpr int32_t spriteSize = 256;

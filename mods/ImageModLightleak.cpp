@@ -6,9 +6,11 @@
 #include <cmath>
 #include <cstdlib>
 
-ImageModLightleak::ImageModLightleak() : ImageMod("Lightleak", "Light Leak")
+ImageModLightleak::ImageModLightleak()
+    : ImageMod("Lightleak", "Light Leak")
 {
-    toolTip = "Discolors your film in oranges and purples where a poorly-made camera accidentally lets light in.";
+    toolTip
+        = "Discolors your film in oranges and purples where a poorly-made camera accidentally lets light in.";
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     ImageModVariable* phase = addFloat(kVariationVariableName, 0.0f, -5000.0f, 5000.0f);
     phase->visible = false;
@@ -32,8 +34,10 @@ bool ImageModLightleak::configureDiscolor(ImageMod& discolor, float amount, floa
         color->blue = float(std::cos(x * 0.033740705144660564) * 60.0 + 140.0);
         color->alpha = 255.0f;
     }
-    const float stretch = float(std::cos(x * 0.044673449142009804) * 0.11500000953674316 + 0.1850000098347664);
-    const float strength = float(double(amount) * (std::cos(x * 0.029405306921233814) * 0.19999998807907104 + 0.699999988079071));
+    const float stretch
+        = float(std::cos(x * 0.044673449142009804) * 0.11500000953674316 + 0.1850000098347664);
+    const float strength = float(
+        double(amount) * (std::cos(x * 0.029405306921233814) * 0.19999998807907104 + 0.699999988079071));
     discolor.variableAt(0)->setFloatValue(strength);
     discolor.variableAt(1)->setFloatValue(float(x));
     discolor.variableAt(3)->setFloatValue(1.45f);

@@ -3,7 +3,8 @@
 
 // "Lightleak", shown as "Light Leak": warm streaks where light got onto the film. It draws through
 // a Discolor whose colour, stretch and strength follow the hidden phase ("Variation").
-class ImageModLightleak : public ImageMod {
+class ImageModLightleak : public ImageMod
+{
 public:
     ImageModLightleak();
 

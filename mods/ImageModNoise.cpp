@@ -8,7 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
-ImageModNoise::ImageModNoise() : ImageMod("Noise", "Grain")
+ImageModNoise::ImageModNoise()
+    : ImageMod("Noise", "Grain")
 {
     toolTip = "Apply film grain.";
     addFloat("Amount", 25.0f, 0.0f, 100.0f);
@@ -26,7 +27,8 @@ float ImageModNoise::cellSize(float scale, int32_t v)
     return std::min(1.0f / std::max(frequency, 1.0f / 64.0f), 64.0f);
 }
 
-namespace {
+namespace
+{
 
 // The gamma step of the legacy exposure tile, float path.
 static inline float gammaStep(float c, float a)
@@ -78,13 +80,14 @@ void applyNoise(const ImageModNoise& mod, FlexImageT<Sample>* image, const Image
                 const float yn = Y / 255.0f;
                 const float a = 1.0f + v * amount * shrink * (yn * yn * 0.7f + 0.3f);
                 for (int32_t c = 0; c < cc; ++c)
-                    p[c] = storeSample<Sample>(gammaStep(float(p[c]), a));
+                    p[c] = storeClamped<Sample>(gammaStep(float(p[c]), a));
                 continue;
             }
-            const float weight = branch == 1 ? std::pow(std::max(1.0f - dist, 0.0f), 0.34f) : 1.0f - 0.7f * dist;
+            const float weight
+                = branch == 1 ? std::pow(std::max(1.0f - dist, 0.0f), 0.34f) : 1.0f - 0.7f * dist;
             const float add = v * strength * weight;
             for (int32_t c = 0; c < cc; ++c)
-                p[c] = storeSample<Sample>(float(p[c]) + add);
+                p[c] = storeClamped<Sample>(float(p[c]) + add);
         }
     });
 }

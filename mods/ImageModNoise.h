@@ -8,7 +8,8 @@
 // pow(1 / (Scale * 0.006 + 0.4) - 1, 2.6) grows, weighted by pow(1 - |Y / 127.5 - 1|, 0.34);
 // 2 adds noise with cells of pow(Scale * 0.006 + 0.4, 2.6) * 8 + 0.5 document pixels, weighted
 // by 1 - 0.7 |Y / 127.5 - 1|; 3 and above bend each pixel's gamma by the noise instead.
-class ImageModNoise : public ImageMod {
+class ImageModNoise : public ImageMod
+{
 public:
     ImageModNoise();
 

@@ -10,15 +10,17 @@
 #include <cmath>
 #include <vector>
 
-ImageModRadialBlur::ImageModRadialBlur() : ImageMod("Radial Blur", "Circular Blur")
+ImageModRadialBlur::ImageModRadialBlur()
+    : ImageMod("Radial Blur", "Circular Blur")
 {
-    toolTip = "Blur in a circle around the edges of an image. Falloff affects how quickly the blur intensity grows "
+    toolTip = "Blur in a circle around the edges of an image. Falloff affects how quickly the blur intensity "
+              "grows "
               "as it gets further from the center of the image.";
     ImageModVariable* amount = addFloat("Amount", 0.5f, 0.0f, 1.0f);
     amount->data->setDisplayScale(0.0f, 100.0f);
     ImageModVariable* falloff = addFloat("Falloff", 50.0f, 0.0f, 100.0f);
     ImageModVariable* radius = addFloat("Radius", 1.0f, 0.0f, 2.0f);
-    addChoice("Blur Method", {"Gaussian", "Box", "Circle"}, 0);
+    addChoice("Blur Method", { "Gaussian", "Box", "Circle" }, 0);
     addPixel("Center");
     addAnimator(amount, "1 .25 1", 2.348f);
     addAnimator(falloff, "35 80 35", 3.343f);
@@ -39,12 +41,13 @@ int32_t ImageModRadialBlur::paddingNeeded(int32_t width, int32_t height, float) 
     return int32_t(std::ceil(maxRadius(amount, choiceIndex(3), float(std::max(width, height)))));
 }
 
-namespace {
+namespace
+{
 
 // Blur radius at every pixel, with the mask folded in; the mask is read once per pixel.
 template <typename Sample>
 void radiusMap(const FlexImageT<Sample>* image, const SpatialFrame& frame, float outer, float p, float rMax,
-               const ImageModApplyContext* context, std::vector<float>& map)
+    const ImageModApplyContext* context, std::vector<float>& map)
 {
     const int32_t w = image->width;
     const float invOuter = outer > 0.0f ? 1.0f / outer : INFINITY;
@@ -128,13 +131,14 @@ void separableRadial(FlexImageT<Sample>* image, const std::vector<float>& map, i
                 }
                 for (int32_t c = 0; c < ch; ++c) {
                     if (reach == 0) {
-                        dst[x * ch + c] = storeSample<Sample>(float(copy.row(y)[x * ch + c]));
+                        dst[x * ch + c] = storeClamped<Sample>(float(copy.row(y)[x * ch + c]));
                         continue;
                     }
                     float sum = 0.0f;
                     for (int32_t i = 0; i <= 2 * reach; ++i)
-                        sum += taps[size_t(i)] * float(copy.row(std::clamp(y - reach + i, 0, h - 1))[x * ch + c]);
-                    dst[x * ch + c] = storeSample<Sample>(sum);
+                        sum += taps[size_t(i)]
+                            * float(copy.row(std::clamp(y - reach + i, 0, h - 1))[x * ch + c]);
+                    dst[x * ch + c] = storeClamped<Sample>(sum);
                 }
             }
         }
@@ -205,20 +209,22 @@ void circleRadial(FlexImageT<Sample>* image, const std::vector<float>& map, floa
                             const Sample* right = src + std::clamp(x + rim.dx, 0, w - 1) * ch;
                             const Sample* left = src + std::clamp(x - rim.dx, 0, w - 1) * ch;
                             for (int32_t c = 0; c < ch; ++c)
-                                sums[c] += rim.weight * (rim.dx == 0 ? float(right[c]) : float(right[c]) + float(left[c]));
+                                sums[c] += rim.weight
+                                    * (rim.dx == 0 ? float(right[c]) : float(right[c]) + float(left[c]));
                         }
                     }
                 }
                 const float inv = 1.0f / disc.total;
                 for (int32_t c = 0; c < ch; ++c)
-                    dst[x * ch + c] = storeSample<Sample>(sums[c] * inv);
+                    dst[x * ch + c] = storeClamped<Sample>(sums[c] * inv);
             }
         }
     });
 }
 
 template <typename Sample>
-void applyRadialBlur(const ImageModRadialBlur& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
+void applyRadialBlur(
+    const ImageModRadialBlur& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
 {
     if (!image || image->isEmpty() || image->channels > 4)
         return;
@@ -231,7 +237,8 @@ void applyRadialBlur(const ImageModRadialBlur& mod, FlexImageT<Sample>* image, c
     SpatialFrame frame = spatialFrameOf(*image, context);
     applyCenterPoint(frame, mod.pixelAt(4));
     const float outer = frame.halfDiagonal() * radius;
-    const float rMax = ImageModRadialBlur::maxRadius(amount, method, std::max(frame.contentWidth, frame.contentHeight));
+    const float rMax
+        = ImageModRadialBlur::maxRadius(amount, method, std::max(frame.contentWidth, frame.contentHeight));
     if (!(rMax > 0.0f) || !std::isfinite(rMax))
         return;
     std::vector<float> map;

@@ -2,7 +2,8 @@
 #include "core/ImageMod.h"
 
 // "Radial Blur", shown as "Circular Blur": sharp in the middle, blurrier towards the edges.
-class ImageModRadialBlur : public ImageMod {
+class ImageModRadialBlur : public ImageMod
+{
 public:
     ImageModRadialBlur();
 

@@ -7,7 +7,8 @@
 #include <cmath>
 #include <vector>
 
-ImageModSharpen::ImageModSharpen() : ImageMod("Sharpen", "Sharpen")
+ImageModSharpen::ImageModSharpen()
+    : ImageMod("Sharpen", "Sharpen")
 {
     toolTip = "Sharpen the image using the specified amount.";
     version = 2;
@@ -34,12 +35,12 @@ int32_t ImageModSharpen::paddingNeeded(int32_t, int32_t, float scale) const
     return floatValue(0) == 0.0f ? 0 : kernelReach(scale);
 }
 
-namespace {
-
-template <typename Sample>
-static inline Sample sharpenSample(float c, float highPass, float amount)
+namespace
 {
-    return storeSample<Sample>(c + highPass * amount);
+
+template <typename Sample> static inline Sample sharpenSample(float c, float highPass, float amount)
+{
+    return storeClamped<Sample>(c + highPass * amount);
 }
 
 template <typename Sample>
@@ -63,23 +64,32 @@ void applySharpen(const ImageModSharpen& mod, FlexImageT<Sample>* image, const I
     const int32_t n = w * ch;
     const ImageModSelector* selector = context ? context->selector : nullptr;
 
-    FlexImageT<Sample> original;
-    original.copyFrom(*image, true);
+    // Every tap but the centre is v, so H = v * (sum of the square) + (centre - v) * c: the square
+    // is summed as columns of padded rows, then across. Padded rows are made once per pass.
+    const int32_t padW = (w + 2 * reach) * ch;
+    std::vector<float> padded(size_t(padW) * size_t(h));
+    parallelFor(
+        h, [&](int32_t y) { padRow(image->row(y), w, ch, reach, padded.data() + size_t(y) * size_t(padW)); });
+    const float centreExtra = centre - v;
     parallelForRanges(h, [&](int32_t begin, int32_t end) {
-        std::vector<float> pad(size_t(w + 2 * reach) * size_t(ch));
+        std::vector<float> column(static_cast<size_t>(padW));
         std::vector<float> acc(static_cast<size_t>(n));
         float* hp = acc.data();
+        float* col = column.data();
         for (int32_t y = begin; y < end; ++y) {
-            std::fill(acc.begin(), acc.end(), 0.0f);
-            // Taps in kernel order: rows top to bottom, columns left to right.
+            std::fill(column.begin(), column.end(), 0.0f);
             for (int32_t i = 0; i < side; ++i) {
-                padRow(original.row(std::clamp(y - reach + i, 0, h - 1)), w, ch, reach, pad.data());
-                for (int32_t j = 0; j < side; ++j) {
-                    const float t = (i == reach && j == reach) ? centre : v;
-                    const float* src = pad.data() + j * ch;
-                    for (int32_t k = 0; k < n; ++k)
-                        hp[k] += t * src[k];
-                }
+                const float* src = padded.data() + size_t(std::clamp(y - reach + i, 0, h - 1)) * size_t(padW);
+                for (int32_t k = 0; k < padW; ++k)
+                    col[k] += src[k];
+            }
+            const float* self = padded.data() + size_t(y) * size_t(padW) + reach * ch;
+            for (int32_t k = 0; k < n; ++k)
+                hp[k] = centreExtra * self[k];
+            for (int32_t j = 0; j < side; ++j) {
+                const float* src = col + j * ch;
+                for (int32_t k = 0; k < n; ++k)
+                    hp[k] += v * src[k];
             }
             Sample* row = image->row(y);
             if (!selector) {

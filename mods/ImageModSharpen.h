@@ -3,7 +3,8 @@
 
 // "Sharpen": adds a high-pass of the image. The kernel widens on previews so that smaller views
 // still show the effect.
-class ImageModSharpen : public ImageMod {
+class ImageModSharpen : public ImageMod
+{
 public:
     ImageModSharpen();
 

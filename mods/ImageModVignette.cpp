@@ -5,10 +5,12 @@
 
 #include <cmath>
 
-ImageModVignette::ImageModVignette() : ImageMod("Vignette", "Vignette")
+ImageModVignette::ImageModVignette()
+    : ImageMod("Vignette", "Vignette")
 {
-    toolTip = "Simulate vignetting around the corners of the image. Falloff and Radius affect the intensity and "
-              "size of the effect.";
+    toolTip
+        = "Simulate vignetting around the corners of the image. Falloff and Radius affect the intensity and "
+          "size of the effect.";
     ImageModVariable* amount = addFloat("Amount", 1.0f, -1.0f, 1.0f);
     amount->data->setDisplayScale(-100.0f, 100.0f);
     ImageModVariable* sharpness = addFloat("Sharpness", 50.0f, 0.0f, 100.0f, "Falloff");
@@ -25,7 +27,8 @@ float ImageModVignette::rampExponent(float sharpness)
     return 1.0f / e;
 }
 
-namespace {
+namespace
+{
 
 // Darkening at distance f of the outer radius (0 at the centre, ramping up outwards).
 static inline float vignetteWeight(float f, float p)
@@ -37,7 +40,8 @@ static inline float vignetteWeight(float f, float p)
 }
 
 template <typename Sample>
-void applyVignette(const ImageModVignette& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
+void applyVignette(
+    const ImageModVignette& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
 {
     if (!image || image->isEmpty())
         return;
@@ -66,7 +70,7 @@ void applyVignette(const ImageModVignette& mod, FlexImageT<Sample>* image, const
             const float a = selector ? maskRuleB(amount, maskAt(selector, image, x, y, context)) : amount;
             const float darken = a * 255.0f * vignetteWeight(f, p);
             for (int32_t c = 0; c < cc; ++c)
-                px[c] = storeSample<Sample>(float(px[c]) - darken);
+                px[c] = storeClamped<Sample>(float(px[c]) - darken);
         }
     });
 }

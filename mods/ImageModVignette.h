@@ -2,7 +2,8 @@
 #include "core/ImageMod.h"
 
 // "Vignette": darkens (or, with a negative Amount, lightens) towards the corners of the frame.
-class ImageModVignette : public ImageMod {
+class ImageModVignette : public ImageMod
+{
 public:
     ImageModVignette();
 

@@ -58,8 +58,8 @@ static inline float fillBlurTaps(float* taps, int32_t reach, float r, int32_t me
 // (inner + 1) - d on the one-pixel rim, cut to the square |dx|, |dy| <= reach. Kept as rows so
 // that the flat part of a row can be summed as one span.
 struct DiscRow {
-    int32_t dy = 0;       // >= 0; the row is used at +dy and -dy
-    int32_t span = -1;    // |dx| <= span has weight 1; -1: no flat part
+    int32_t dy = 0; // >= 0; the row is used at +dy and -dy
+    int32_t span = -1; // |dx| <= span has weight 1; -1: no flat part
     int32_t rimBegin = 0; // index into DiscKernel::rim
     int32_t rimCount = 0;
 };
@@ -110,7 +110,7 @@ struct DiscKernel {
                 const float d = std::sqrt(float(dx * dx) + dy2);
                 if (d >= inner + 1.0f)
                     break;
-                rim.push_back({dx, (inner + 1.0f) - d});
+                rim.push_back({ dx, (inner + 1.0f) - d });
                 rowWeight += (dx == 0 ? 1.0f : 2.0f) * rim.back().weight;
             }
             row.rimCount = int32_t(rim.size()) - row.rimBegin;

@@ -29,25 +29,21 @@ static inline float clamp255(float v)
     return v < 0.0f ? 0.0f : v;
 }
 
-template <typename Sample>
-static inline Sample storeSample(float v);
+template <typename Sample> static inline Sample storeClamped(float v);
 
-template <>
-inline float storeSample<float>(float v)
+template <> inline float storeClamped<float>(float v)
 {
     return clamp255(v);
 }
 
 // Truncating store of the 8-bit depth.
-template <>
-inline uint8_t storeSample<uint8_t>(float v)
+template <> inline uint8_t storeClamped<uint8_t>(float v)
 {
     return uint8_t(int32_t(clamp255(v)));
 }
 
 // Unclamped store for intermediate results; the 8-bit depth truncates.
-template <typename Sample>
-static inline Sample storeRaw(float v)
+template <typename Sample> static inline Sample storeRaw(float v)
 {
     if constexpr (sizeof(Sample) == 1)
         return uint8_t(int32_t(clamp255(v)));
@@ -59,9 +55,9 @@ static inline Sample storeRaw(float v)
 // else the image's own, and the centre of the content in buffer pixels.
 struct SpatialFrame {
     float scale = 1.0f;
-    int32_t frameWidth = 0;   // W: the whole working frame, or the image
-    int32_t frameHeight = 0;  // H
-    float contentWidth = 0.0f;  // fw: the frame less its margins
+    int32_t frameWidth = 0; // W: the whole working frame, or the image
+    int32_t frameHeight = 0; // H
+    float contentWidth = 0.0f; // fw: the frame less its margins
     float contentHeight = 0.0f; // fh
     float cx = 0.0f;
     float cy = 0.0f;
@@ -75,7 +71,8 @@ struct SpatialFrame {
     float toBufferY(float docY) const { return docY / scale - float(bufferY); }
     float halfDiagonal() const
     {
-        return std::sqrt(contentHeight * 0.5f * (contentHeight * 0.5f) + contentWidth * 0.5f * (contentWidth * 0.5f));
+        return std::sqrt(
+            contentHeight * 0.5f * (contentHeight * 0.5f) + contentWidth * 0.5f * (contentWidth * 0.5f));
     }
 };
 
@@ -133,8 +130,8 @@ static inline void padRow(const Sample* row, int32_t w, int32_t ch, int32_t reac
 }
 
 template <typename Sample>
-static inline float maskAt(const ImageModSelector* selector, const FlexImageT<Sample>* image, int32_t x, int32_t y,
-                           const ImageModApplyContext* context)
+static inline float maskAt(const ImageModSelector* selector, const FlexImageT<Sample>* image, int32_t x,
+    int32_t y, const ImageModApplyContext* context)
 {
     return selector->maskValue(image, x, y, context ? context->referenceFrame : nullptr);
 }

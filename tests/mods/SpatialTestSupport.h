@@ -3,17 +3,26 @@
 #include "core/ImageMod.h"
 #include "core/ImageModApplyContext.h"
 #include "core/ImageModSelector.h"
+#include "core/ImageModVariableDataChoice.h"
+#include "core/ParallelFor.h"
 
 #include <cmath>
 #include <cstdint>
 #include <memory>
 
+namespace spatialtest
+{
+
 // Shared fixtures of the spatial and film tests.
 
 // Mask 1 on the left half, 0 on the right, from the position alone.
-class SpatialTestHalfMask : public ImageModSelector {
+class SpatialTestHalfMask : public ImageModSelector
+{
 public:
-    SpatialTestHalfMask() : ImageModSelector("Spatial Test Half") {}
+    SpatialTestHalfMask()
+        : ImageModSelector("Spatial Test Half")
+    {
+    }
     std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<SpatialTestHalfMask>(); }
     float maskValue(const FlexImageFloat* img, int32_t x, int32_t, const ReferenceFrame*) const override
     {
@@ -50,7 +59,7 @@ void paintScene(FlexImageT<Sample>& img, int32_t w, int32_t h, int32_t channels 
                 b = 220.0f;
             }
             Sample* p = img.row(y) + x * channels;
-            const float c[3] = {r, g, b};
+            const float c[3] = { r, g, b };
             for (int32_t k = 0; k < channels && k < 3; ++k)
                 p[k] = Sample(std::fmin(std::fmax(c[k], 0.0f), 255.0f));
             if (channels == 4)
@@ -65,19 +74,20 @@ void boxDown(const FlexImageT<Sample>& src, FlexImageT<Sample>& dst, int32_t fac
 {
     const int32_t w = src.width / factor, h = src.height / factor, ch = src.channels;
     dst.resize(w, h, ch);
-    for (int32_t y = 0; y < h; ++y)
+    parallelFor(h, [&](int32_t y) {
         for (int32_t x = 0; x < w; ++x)
             for (int32_t c = 0; c < ch; ++c) {
                 float s = 0.0f;
                 for (int32_t j = 0; j < factor; ++j)
                     for (int32_t i = 0; i < factor; ++i)
                         s += float(src.row(y * factor + j)[(x * factor + i) * ch + c]);
-                dst.row(y)[x * ch + c] = Sample(s / float(factor * factor) + (sizeof(Sample) == 1 ? 0.5f : 0.0f));
+                dst.row(y)[x * ch + c]
+                    = Sample(s / float(factor * factor) + (sizeof(Sample) == 1 ? 0.5f : 0.0f));
             }
+    });
 }
 
-template <typename Sample>
-double psnr(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
+template <typename Sample> double psnr(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
 {
     double se = 0.0;
     const int64_t n = a.sampleCount();
@@ -99,8 +109,7 @@ inline ReferenceFrame wholeFrame(int32_t w, int32_t h, float scale)
     return f;
 }
 
-template <typename Sample>
-bool samePixels(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
+template <typename Sample> bool samePixels(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
 {
     if (a.width != b.width || a.height != b.height || a.channels != b.channels)
         return false;
@@ -110,8 +119,7 @@ bool samePixels(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
     return true;
 }
 
-template <typename Sample>
-bool allFinite(const FlexImageT<Sample>& a)
+template <typename Sample> bool allFinite(const FlexImageT<Sample>& a)
 {
     for (int64_t i = 0; i < a.sampleCount(); ++i)
         if (!std::isfinite(float(a.data[i])))
@@ -124,16 +132,13 @@ inline void setFloat(ImageMod& mod, int32_t index, float v)
     mod.variableAt(index)->setFloatValue(v);
 }
 
-#include "core/ImageModVariableDataChoice.h"
-
 inline void setChoice(ImageMod& mod, int32_t index, int32_t choice)
 {
     mod.variableAt(index)->asChoice()->index = choice;
 }
 
 // The scene at full size and boxed down to a quarter, painted once per depth.
-template <typename Sample>
-const FlexImageT<Sample>& sceneAt(int32_t divisor)
+template <typename Sample> const FlexImageT<Sample>& sceneAt(int32_t divisor)
 {
     static FlexImageT<Sample> full, quarter;
     if (full.isEmpty()) {
@@ -147,8 +152,7 @@ const FlexImageT<Sample>& sceneAt(int32_t divisor)
 // Renders `mod` on the 2400 x 1600 scene at full size (no frame) and on the quarter-size copy with
 // a whole-image frame of scale 4 (document pixels per working pixel, as the driver fills it), and
 // returns the PSNR of the full result boxed down against the quarter render.
-template <typename Sample>
-double previewAgreement(ImageMod& mod)
+template <typename Sample> double previewAgreement(ImageMod& mod)
 {
     FlexImageT<Sample> full, quarter;
     full.copyFrom(sceneAt<Sample>(1), true);
@@ -163,3 +167,5 @@ double previewAgreement(ImageMod& mod)
     boxDown(full, fullDown, 4);
     return psnr(fullDown, quarter);
 }
+
+} // namespace spatialtest
