@@ -11,6 +11,8 @@
 #include <set>
 #include <string>
 
+using namespace spatialtest;
+
 namespace {
 
 // A small photo-like picture (gradients, a bright disc, a saturated block) at either depth.
