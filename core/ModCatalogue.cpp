@@ -5,49 +5,57 @@
 #include "core/ImageModHueSelector.h"
 #include "core/ImageModLuminanceSelector.h"
 #include "core/ImageModSpotSelector.h"
+#include "core/ModExtraFactories.h"
 #include "mods/ChannelMixerMods.h"
 #include "mods/ColorCastMods.h"
 #include "mods/ColorizeCurveMods.h"
 #include "mods/ImageModAdvancedContrast.h"
+#include "mods/ImageModAutoEnhance.h"
+#include "mods/ImageModBlur.h"
 #include "mods/ImageModBrightness.h"
 #include "mods/ImageModColorizeCurve.h"
 #include "mods/ImageModComponentCurve.h"
 #include "mods/ImageModContrast.h"
 #include "mods/ImageModContrastAndSaturation.h"
+#include "mods/ImageModDiscolor.h"
+#include "mods/ImageModDynamics.h"
 #include "mods/ImageModExposure.h"
 #include "mods/ImageModExposureCurve.h"
 #include "mods/ImageModGammaLegacy.h"
+#include "mods/ImageModGrainFast.h"
 #include "mods/ImageModHighlights.h"
 #include "mods/ImageModHueBrightness.h"
 #include "mods/ImageModHueShift.h"
 #include "mods/ImageModLabCurves.h"
+#include "mods/ImageModLensFlare.h"
+#include "mods/ImageModLightleak.h"
 #include "mods/ImageModLuminanceContrast.h"
 #include "mods/ImageModLuminanceCurve.h"
 #include "mods/ImageModMultiTool.h"
+#include "mods/ImageModNoise.h"
 #include "mods/ImageModRGBCombinedCurve.h"
 #include "mods/ImageModRGBCurves.h"
+#include "mods/ImageModRadialBlur.h"
 #include "mods/ImageModSaturation.h"
 #include "mods/ImageModSaturationCurve.h"
 #include "mods/ImageModSelectiveColor.h"
 #include "mods/ImageModShadows.h"
 #include "mods/ImageModShadowsMidsHighs.h"
+#include "mods/ImageModSharpen.h"
 #include "mods/ImageModSplitTone.h"
 #include "mods/ImageModToneCurve.h"
+#include "mods/ImageModVignette.h"
 #include "mods/ImageModWhitePoint.h"
 
 #include <iterator>
 
 // Tiles of the panel tables whose classes the program doesn't have yet; their rows join as the
 // classes arrive, never as stand-ins:
-//   Basics:         ImageModAutoEnhance
-//   Advanced Light: ImageModDynamics
-//   Photographic:   ImageModVignette, ImageModGrainFast, ImageModSharpen, ImageModBlur,
-//                   ImageModRadialBlur, ImageModLightleak, ImageModLensFlare
 //   Borders:        ImageModBorderPlain (rounded, straight), ImageModBorderFillout,
 //                   ImageModBorderFileCustom, the fourteen ImageModBorderFile
 //   Utility:        ImageModTextOverlay, ImageModImageOverlay, ImageModStuckPixel,
 //                   ImageModAspectRatio, ImageModExactSize, ImageModConstrainSize
-//   Unlisted:       ImageModCrop, ImageModNoise, ImageModDiscolor
+//   Unlisted:       ImageModCrop
 //   Styles:         all twenty camera looks
 
 namespace {
@@ -59,6 +67,10 @@ std::unique_ptr<ImageMod> make()
 }
 
 const ModCatalogueRow kBasics[] = {
+    { "Auto Exposure", "Auto Exposure", 1,
+        "Automatically detect and fix exposure issues. The Amount slider increases or decreases the strength of the "
+        "effect.",
+        make<ImageModAutoEnhance> },
     { "Exposure", "Exposure", 1, "Adjust exposure, which affects the brightness of an image.", make<ImageModExposure> },
     { "Contrast", "Contrast", 2, "Adjust contrast between the light and dark regions of your image.", make<ImageModContrast> },
     { "Saturation", "Saturation", 2, "Adjust color intensity.", make<ImageModSaturation> },
@@ -78,6 +90,9 @@ const ModCatalogueRow kAdvancedLight[] = {
         make<ImageModAdvancedContrast> },
     { "Shadows/Highlights", "Shadows/Highlights", 1,
         "Separately adjust the brightness of dark, midtone, and light areas of an image.", make<ImageModShadowsMidsHighs> },
+    { "Dynamics", "Dynamics", 1,
+        "Adjust the dynamic range of shadows and highlights relative to pixels within a given radius.",
+        make<ImageModDynamics> },
     { "Brightness", "Brightness", 1, "Adjust overall image brightness.", make<ImageModBrightness> },
 };
 
@@ -105,7 +120,23 @@ const ModCatalogueRow kAdvancedColor[] = {
 };
 
 const ModCatalogueRow kPhotographic[] = {
-    { nullptr, nullptr, 0, nullptr, nullptr },
+    { "Vignette", "Vignette", 1,
+        "Simulate vignetting around the corners of the image. Falloff and Radius affect the intensity and size of the "
+        "effect.",
+        make<ImageModVignette> },
+    { "Grain", "Grain", 3, "Apply film grain to the image.", make<ImageModGrainFast> },
+    { "Sharpen", "Sharpen", 2, "Sharpen the image using the specified amount.", make<ImageModSharpen> },
+    { "Blur", "Blur", 1, "Blur the image using the selected blurring method.", make<ImageModBlur> },
+    { "Radial Blur", "Circular Blur", 1,
+        "Blur in a circle around the edges of an image. Falloff affects how quickly the blur intensity grows as it "
+        "gets further from the center of the image.",
+        make<ImageModRadialBlur> },
+    { "Lightleak", "Light Leak", 1,
+        "Discolors your film in oranges and purples where a poorly-made camera accidentally lets light in.",
+        make<ImageModLightleak> },
+    { "Lens Flare", "Lens Flare", 1,
+        "Draw an adjustable lens flare on the image, as appears when a camera is pointed at a bright point of light.",
+        make<ImageModLensFlare> },
 };
 
 const ModCatalogueRow kMasks[] = {
@@ -144,6 +175,7 @@ const ModCatalogueRow kUnlisted[] = {
         make<ImageModHighlights> },
     { "RGB Curve", "RGB Curve", 1, "Adjust RGB values together using a curve editor.", make<ImageModRGBCombinedCurve> },
     { "Curves", "Luminance Curve", 1, "Adjust luminance using a curve editor.", make<ImageModLuminanceCurve> },
+    { "Noise", "Grain", 1, "Apply film grain.", make<ImageModNoise> },
     { "Selective Saturation", "Selective Saturation", 1, "Adjust the saturation of a specific hue only.",
         make<ImageModSelectiveColor> },
     { "Color Correction", "Color Correction", 1, "Separately adjust the color of highlights, midtones, and shadows.",
@@ -167,6 +199,7 @@ const ModCatalogueRow kUnlisted[] = {
         make<ImageModDye> },
     { "RGB Swap", "RGB Swap", 1, "Separately replace red, green, and blue with the selected colors.",
         make<ImageModRGBSwap> },
+    { "Discolor", "Discolor", 1, "Apply uneven discoloration to the image.", make<ImageModDiscolor> },
     { "Contrast Saturation", "Contrast", 1,
         "Adjust contrast. The Center slider determines the brightness value from which the contrast emanates.",
         make<ImageModContrastAndSaturation> },
@@ -298,7 +331,7 @@ const ImageMod* findInCatalogue(const ModCatalogue& catalogue, const std::string
         if (mod && mod->name == modName)
             match = mod.get();
     }
-    return match;
+    return match ? match : findExtraModFactory(modName);
 }
 
 std::unique_ptr<ImageMod> createMod(const ModCatalogue& catalogue, const std::string& modName)

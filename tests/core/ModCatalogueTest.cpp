@@ -200,3 +200,20 @@ TEST(ModCatalogue, GroupsOfTheFileComeBeforeTheCatalogue)
     EXPECT_EQ(createModForFile(defined, c.mods, "saturation"), nullptr);
     EXPECT_EQ(createModForFile({}, c.mods, "No Such Tile"), nullptr);
 }
+
+TEST(ModCatalogue, TilesOutsideThePanelAreFoundAfterTheCatalogue)
+{
+    const ModCatalogueContents c = buildModCatalogue();
+    for (const auto& m : c.mods)
+        EXPECT_NE(m->name, "LUT");
+    const ImageMod* lut = findInCatalogue(c.mods, "LUT");
+    ASSERT_NE(lut, nullptr);
+    EXPECT_EQ(createMod(c.mods, "LUT")->name, "LUT");
+    EXPECT_EQ(findInCatalogue(c.mods, "lut"), nullptr);
+
+    // A catalogue instance of the same name comes first.
+    ModCatalogue own;
+    own.push_back(std::make_unique<ImageModSaturation>());
+    own.back()->name = "LUT";
+    EXPECT_EQ(findInCatalogue(own, "LUT"), own.back().get());
+}
