@@ -1,0 +1,137 @@
+#include "core/FlexImage.h"
+#include "core/ImageModApplyContext.h"
+#include "core/ModCatalogue.h"
+#include "filters/FilterArchive.h"
+#include "filters/FilterFile.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#if defined(VANTREL_PRESET_ARCHIVE) && defined(VANTREL_PRESET_SOURCE) && defined(VANTREL_LEGACY_ARCHIVE)
+
+namespace {
+
+// A colourful ramp: every channel moves across the image, with shadows, mid tones and highlights.
+void fillTestImage(FlexImageFloat& img)
+{
+    img.resize(48, 32, 3);
+    for (int32_t y = 0; y < img.height; ++y) {
+        float* p = img.row(y);
+        for (int32_t x = 0; x < img.width; ++x, p += 3) {
+            p[0] = 255.0f * float(x) / float(img.width - 1);
+            p[1] = 255.0f * float(y) / float(img.height - 1);
+            p[2] = 255.0f * float((x + 2 * y) % 17) / 16.0f;
+        }
+    }
+}
+
+float largestChange(const FlexImageFloat& a, const FlexImageFloat& b)
+{
+    float worst = 0.0f;
+    for (int64_t i = 0; i < a.sampleCount(); ++i)
+        worst = std::fmax(worst, std::fabs(a.data[i] - b.data[i]));
+    return worst;
+}
+
+bool allFinite(const FlexImageFloat& img)
+{
+    for (int64_t i = 0; i < img.sampleCount(); ++i) {
+        if (!std::isfinite(img.data[i]))
+            return false;
+    }
+    return true;
+}
+
+QStringList filesBelow(const QString& root)
+{
+    QStringList out;
+    QDirIterator it(root, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        out << QDir(root).relativeFilePath(it.next());
+    out.sort();
+    return out;
+}
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+} // namespace
+
+TEST(DefaultPresets, TheArchiveUnpacksIntoTheAuthoredGroups)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    ASSERT_EQ(extractArchive(VANTREL_PRESET_ARCHIVE, dir.path().toStdString()), kArchiveOk);
+
+    const QStringList source = filesBelow(VANTREL_PRESET_SOURCE);
+    const QStringList unpacked = filesBelow(dir.path());
+    ASSERT_GE(source.size(), 12);
+    EXPECT_EQ(unpacked, source); // no inner archive left behind, every file in its group
+    for (const QString& rel : source)
+        EXPECT_EQ(bytesOf(dir.filePath(rel)), bytesOf(QString(VANTREL_PRESET_SOURCE) + "/" + rel)) << rel.toStdString();
+    EXPECT_GE(QDir(dir.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 4);
+}
+
+TEST(DefaultPresets, EveryPresetLoadsAndChangesAPhoto)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    ASSERT_EQ(extractArchive(VANTREL_PRESET_ARCHIVE, dir.path().toStdString()), kArchiveOk);
+    ASSERT_EQ(extractArchive(VANTREL_LEGACY_ARCHIVE, dir.filePath("legacy").toStdString()), kArchiveOk);
+    const ModCatalogueContents catalogue = buildModCatalogue();
+
+    FlexImageFloat original;
+    fillTestImage(original);
+    const QStringList files = filesBelow(dir.path());
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString& rel : files) {
+        SCOPED_TRACE(rel.toStdString());
+        int32_t status = -1;
+        ModList mods = readFilter(dir.filePath(rel).toStdString(), catalogue.mods, status);
+        EXPECT_EQ(status, kFilterReadOk);
+        ASSERT_FALSE(mods.empty());
+
+        FlexImageFloat img;
+        img.copyFrom(original, true);
+        ReferenceFrame frame;
+        frame.imageWidth = img.width;
+        frame.imageHeight = img.height;
+        ImageModApplyContext ctx;
+        ctx.referenceFrame = &frame;
+        for (const auto& mod : mods) {
+            ASSERT_NE(mod, nullptr);
+            if (mod->enabled)
+                mod->apply(&img, &ctx);
+        }
+        EXPECT_TRUE(allFinite(img));
+        // A look that moves no sample by at least two levels is no look.
+        EXPECT_GT(largestChange(img, original), 2.0f);
+    }
+}
+
+TEST(DefaultPresets, TheLegacyTilesArchiveHoldsOneFilterPerTile)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    ASSERT_EQ(extractArchive(VANTREL_LEGACY_ARCHIVE, dir.path().toStdString()), kArchiveOk);
+    const ModCatalogueContents catalogue = buildModCatalogue();
+    const QStringList files = filesBelow(dir.path());
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString& rel : files) {
+        EXPECT_TRUE(rel.startsWith("Adjustment ") || rel.startsWith("Camera ")) << rel.toStdString();
+        int32_t status = -1;
+        ModList mods = readFilter(dir.filePath(rel).toStdString(), catalogue.mods, status);
+        EXPECT_EQ(status, kFilterReadOk) << rel.toStdString();
+        EXPECT_EQ(mods.size(), 1u) << rel.toStdString();
+    }
+}
+
+#endif
