@@ -14,6 +14,8 @@ for a in "$@"; do
   esac
 done
 bash scripts/install-deps.sh
+# ccache keys on paths relative to the checkout, so fresh clones reuse earlier compiles.
+export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 
 jobs=$(nproc)
 case "$mode" in
