@@ -157,3 +157,42 @@ static inline uint8_t gammaBrighten8(uint8_t c, float e)
     const float base = c == 0 ? 1.0f : 0.0f;
     return uint8_t(~int32_t(std::pow(base, e) * 255.0f));
 }
+
+// --- the same steps by pixel type, for code written once over both depths ----------------------
+static inline void setLuminance(uint8_t* p, int32_t colorChannels, float y, float target)
+{
+    setLuminance8(p, colorChannels, y, target);
+}
+
+static inline float pixelLuminance(const uint8_t* p, int32_t channels)
+{
+    return pixelLuminance8(p, channels);
+}
+
+static inline void legacySaturate(uint8_t* p, int32_t channels, int32_t colorChannels, float v)
+{
+    legacySaturate8(p, channels, colorChannels, v);
+}
+
+static inline void rootSaturate(uint8_t* p, float v)
+{
+    rootSaturate8(p, v);
+}
+
+// Stores a computed value: as it is in float, truncated towards zero in 8 bits.
+template <typename Sample>
+static inline Sample storeSample(float v)
+{
+    if constexpr (sizeof(Sample) == 1)
+        return Sample(int32_t(v));
+    else
+        return v;
+}
+
+// Luminance contrast: the power pair on the linear luminance, then the pixel moves to the result.
+template <typename Sample>
+static inline void luminanceContrastPixel(Sample* p, int32_t channels, int32_t colorChannels, float center, float e)
+{
+    const float y = pixelLuminance(p, channels);
+    setLuminance(p, colorChannels, y, powerPair(y, center, e));
+}

@@ -1,0 +1,55 @@
+#include "mods/ImageModContrast.h"
+
+#include "mods/TonalPixelLoop.h"
+#include "mods/TonalSteps.h"
+
+namespace {
+
+template <typename Sample>
+static inline void contrastPixel(Sample* p, int32_t colorChannels, float center, float e)
+{
+    for (int32_t c = 0; c < colorChannels; ++c)
+        p[c] = storeSample<Sample>(powerPair(float(p[c]), center, e));
+}
+
+template <typename Sample>
+void contrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, float center)
+{
+    if (!image || image->isEmpty() || amount == 1.0f)
+        return;
+    const int32_t colour = image->colorChannels;
+    const float e = powerPairExponent(amount);
+    forEachPixel(
+        image, context, [=](Sample* p) { contrastPixel(p, colour, center, e); },
+        [=](Sample* p, float m) { contrastPixel(p, colour, center, powerPairExponent(maskRuleA(amount, m))); });
+}
+
+} // namespace
+
+ImageModContrast::ImageModContrast(int32_t v, float amount, float center) : ImageMod("Contrast", "Contrast")
+{
+    addAnimator(addAmountVariable(this, amount), "1.7 .5 1.7", 3.0f);
+    addAnimator(addFloat("Center", center, 0.0f, 255.0f, "Contrast Origin"), "90 165 90", 4.513f);
+    setVersion(v);
+}
+
+void ImageModContrast::setVersion(int32_t v)
+{
+    version = v;
+    ImageModVariable* centerVariable = variableAt(1);
+    if (centerVariable)
+        centerVariable->visible = v != 2;
+    toolTip = v == 2 ? "Adjust contrast between the light and dark regions of your image."
+                     : "Adjust contrast. The Contrast Origin slider determines the brightness value from which the "
+                       "contrast emanates.";
+}
+
+void ImageModContrast::apply(FlexImage8* image, const ImageModApplyContext* context)
+{
+    contrastPass(image, context, floatValue(0), version <= 1 ? floatValue(1) : 90.0f);
+}
+
+void ImageModContrast::apply(FlexImageFloat* image, const ImageModApplyContext* context)
+{
+    contrastPass(image, context, floatValue(0), version <= 1 ? floatValue(1) : 90.0f);
+}

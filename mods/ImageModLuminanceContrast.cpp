@@ -1,0 +1,42 @@
+#include "mods/ImageModLuminanceContrast.h"
+
+#include "mods/TonalPixelLoop.h"
+#include "mods/TonalSteps.h"
+
+namespace {
+
+template <typename Sample>
+void luminanceContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, float center)
+{
+    if (!image || image->isEmpty() || amount == 1.0f)
+        return;
+    const int32_t channels = image->channels;
+    const int32_t colour = image->colorChannels;
+    const float e = powerPairExponent(amount);
+    forEachPixel(
+        image, context, [=](Sample* p) { luminanceContrastPixel(p, channels, colour, center, e); },
+        [=](Sample* p, float m) {
+            luminanceContrastPixel(p, channels, colour, center, powerPairExponent(maskRuleA(amount, m)));
+        });
+}
+
+} // namespace
+
+ImageModLuminanceContrast::ImageModLuminanceContrast(float amount, float center)
+    : ImageMod("Luminance Contrast", "Luminance Contrast")
+{
+    toolTip = "Adjust contrast based on luminance, which preserves saturation. The Contrast Origin slider "
+              "determines the brightness value from which the contrast emanates.";
+    addAnimator(addAmountVariable(this, amount), "1.6 .7 1.6", 3.0f);
+    addAnimator(addFloat("Center", center, 0.0f, 255.0f, "Contrast Origin"), "90 165 90", 4.513f);
+}
+
+void ImageModLuminanceContrast::apply(FlexImage8* image, const ImageModApplyContext* context)
+{
+    luminanceContrastPass(image, context, floatValue(0), floatValue(1));
+}
+
+void ImageModLuminanceContrast::apply(FlexImageFloat* image, const ImageModApplyContext* context)
+{
+    luminanceContrastPass(image, context, floatValue(0), floatValue(1));
+}

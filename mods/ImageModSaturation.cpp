@@ -1,0 +1,51 @@
+#include "mods/ImageModSaturation.h"
+
+#include "mods/TonalPixelLoop.h"
+#include "mods/TonalSteps.h"
+
+namespace {
+
+template <typename Sample>
+static inline void saturatePixel(Sample* p, int32_t channels, int32_t colorChannels, float v, bool root)
+{
+    if (root)
+        rootSaturate(p, v);
+    else
+        legacySaturate(p, channels, colorChannels, v);
+}
+
+template <typename Sample>
+void saturationPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, int32_t version)
+{
+    if (!image || image->isEmpty() || amount == 1.0f)
+        return;
+    const bool root = version == 2;
+    const int32_t channels = image->channels;
+    const int32_t colour = image->colorChannels;
+    // The root anchor reads three channels; a grey image has none to spread.
+    if (root && channels < 3)
+        return;
+    const float v = saturationFactor(amount);
+    forEachPixel(
+        image, context, [=](Sample* p) { saturatePixel(p, channels, colour, v, root); },
+        [=](Sample* p, float m) { saturatePixel(p, channels, colour, saturationFactor(maskRuleA(amount, m)), root); });
+}
+
+} // namespace
+
+ImageModSaturation::ImageModSaturation(int32_t v, float amount) : ImageMod("Saturation", "Saturation")
+{
+    toolTip = "Adjust color intensity.";
+    addAnimator(addAmountVariable(this, amount), "0 0 1.5 1.5 0", 3.0f);
+    setVersion(v);
+}
+
+void ImageModSaturation::apply(FlexImage8* image, const ImageModApplyContext* context)
+{
+    saturationPass(image, context, floatValue(0), version);
+}
+
+void ImageModSaturation::apply(FlexImageFloat* image, const ImageModApplyContext* context)
+{
+    saturationPass(image, context, floatValue(0), version);
+}
