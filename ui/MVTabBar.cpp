@@ -1,5 +1,6 @@
 #include "ui/MVTabBar.h"
 
+#include <QtCore/QVariant>
 #include <QtGui/QPainter>
 #include <QtWidgets/QPushButton>
 

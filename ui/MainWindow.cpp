@@ -406,6 +406,19 @@ MVMediaWidget* MainWindow::currentViewer() const
                                                                      : nullptr;
 }
 
+bool MainWindow::displaySettled() const
+{
+    for (const MVDocument& d : documents) {
+        MVMediaWidget* v = d.viewer;
+        if (v->isHidden() || !v->hasMedia)
+            continue;
+        if (v->isProcessing() || v->updateDisplayTimer.isActive() || v->hiResTimer.isActive() ||
+            v->finishedPasses() == 0)
+            return false;
+    }
+    return true;
+}
+
 void MainWindow::handListToViewer(MVDocument& doc)
 {
     // The tray supplies the tiles; without one the list is empty and the photo shows as loaded.

@@ -39,6 +39,8 @@ public:
     bool triggerActionByText(const QString& text);
     QAction* actionByText(const QString& text) const;
     MVMediaWidget* currentViewer() const;
+    // True when every shown picture has had its passes and none is pending.
+    bool displaySettled() const;
     // The document area in the central widget's coordinates.
     QRect documentArea() const;
 
