@@ -101,11 +101,19 @@ MainWindow::MainWindow(const QString& styleSheetText, QWidget* parent) : QMainWi
     panelArea->setObjectName(QStringLiteral("panelArea"));
     panelArea->setAttribute(Qt::WA_StyledBackground, true);
     panelArea->setStyleSheet(QStringLiteral("QWidget#panelArea { background-image: url(:/img/panel_bg.png);"
+                                            " border-left: 1px solid #141414; }"
+                                            "QWidget#panelHeader { background: #232323; border-bottom: 1px solid #141414;"
                                             " border-left: 1px solid #141414; }"));
+    // A header band level with the strip above the picture, where the panel's tabs sit.
+    auto* panelHeader = new QWidget(panelArea);
+    panelHeader->setObjectName(QStringLiteral("panelHeader"));
+    panelHeader->setAttribute(Qt::WA_StyledBackground, true);
+    panelHeader->setGeometry(0, 0, panelWidth, topStripHeight);
     trayArea = new QWidget(central);
     trayArea->setObjectName(QStringLiteral("trayArea"));
     trayArea->setAttribute(Qt::WA_StyledBackground, true);
-    trayArea->setStyleSheet(QStringLiteral("QWidget#trayArea { border-image: url(:/img/tray_bg.png) 8 8 8 8; }"));
+    trayArea->setStyleSheet(QStringLiteral("QWidget#trayArea { background: #181818; border: 1px solid #343434;"
+                                           " border-radius: 6px; }"));
 
     tabBar = new MVTabBar(central);
     connect(tabBar, &MVTabBar::tabActivated, this, &MainWindow::documentTabChosen);

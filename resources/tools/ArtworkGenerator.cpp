@@ -54,7 +54,6 @@ int main(int argc, char** argv)
         {"startup_loadphoto_high", 240, 48, [](QPainter& p) { drawLoadPhotoButton(p, true); }},
         {"main_bg", 32, 32, [](QPainter& p) { drawMainBackground(p, 32, 32); }},
         {"panel_bg", 224, 32, [](QPainter& p) { drawPanelBackground(p, 224, 32); }},
-        {"tray_bg", 32, 32, [](QPainter& p) { drawTrayBackground(p, 32, 32); }},
         {"mini_button_bg", 30, 24, [](QPainter& p) { drawMiniButtonBackground(p, 30, 24, false); }},
         {"mini_button_bg_down", 30, 24, [](QPainter& p) { drawMiniButtonBackground(p, 30, 24, true); }},
         {"minib_icon_hide_p", 16, 16, [](QPainter& p) { drawMiniIcon(p, "hide_p"); }},

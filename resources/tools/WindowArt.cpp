@@ -40,17 +40,6 @@ void drawPanelBackground(QPainter& p, int w, int h)
     p.fillRect(QRectF(0, 0, w, h), g);
 }
 
-void drawTrayBackground(QPainter& p, int w, int h)
-{
-    const QRectF r(0.5, 0.5, w - 1, h - 1);
-    QLinearGradient g(0, 0, 0, h);
-    g.setColorAt(0, QColor(0x1a, 0x1a, 0x1a));
-    g.setColorAt(1, QColor(0x16, 0x16, 0x16));
-    p.setPen(QPen(QColor(0x36, 0x36, 0x36), 1));
-    p.setBrush(g);
-    p.drawRoundedRect(r, 6, 6);
-}
-
 void drawMiniButtonBackground(QPainter& p, int w, int h, bool down)
 {
     if (down)

@@ -5,7 +5,6 @@ class QPainter;
 // buttons (28 x 22), the new tab button and the placeholder picture.
 void drawMainBackground(QPainter& p, int w, int h);
 void drawPanelBackground(QPainter& p, int w, int h);
-void drawTrayBackground(QPainter& p, int w, int h);
 void drawMiniButtonBackground(QPainter& p, int w, int h, bool down);
 // kind: hide_p, show_p, hide_t, show_t, visible, del, previous_preset, next_preset
 void drawMiniIcon(QPainter& p, const char* kind);
