@@ -4,6 +4,7 @@
 #include "desktop_only/qtImageConverters.h"
 #include "document/MVImageWithProcessing.h"
 #include "document/MVMediaWidget.h"
+#include "media/ColorTransformSet.h"
 #include "ui/DevicePixelRatio.h"
 
 #include <QtGui/QImage>
@@ -316,6 +317,32 @@ private slots:
                 QCOMPARE(fast, slow);
             }
         }
+        // Through a colour transform the row goes out as 8-bit triples and back; the result must be
+        // what converting each clipped row on its own gives.
+        ColorTransformSet adobe;
+        setKind(adobe, ColorSpaceKind::AdobeRGB);
+        QVERIFY(adobe.converts());
+        for (int channels : {3, 4}) {
+            FlexImageFloat src(33, 3, channels);
+            for (int64_t i = 0; i < src.sampleCount(); ++i)
+                src.data[i] = float((i * 53) % 256);
+            QImage fast(30, 4, QImage::Format_ARGB32);
+            fast.fill(0);
+            QVERIFY(copyContentsIntoQtImage(src, fast, -2, 1, &adobe));
+            for (int y = 0; y < 3; ++y) {
+                uint8_t rgb[3 * 30];
+                for (int x = 0; x < 30; ++x)
+                    for (int c = 0; c < 3; ++c)
+                        rgb[3 * x + c] = uint8_t(src.row(y)[(x + 2) * channels + c]);
+                transformRgb8RowToDisplay(adobe, rgb, 30);
+                for (int x = 0; x < 30; ++x) {
+                    const int alpha = channels == 4 ? int(src.row(y)[(x + 2) * channels + 3]) : 255;
+                    QCOMPARE(fast.pixel(x, y + 1), qRgba(rgb[3 * x], rgb[3 * x + 1], rgb[3 * x + 2], alpha));
+                }
+            }
+            QCOMPARE(fast.pixel(5, 0), 0u); // the row above the offset is untouched
+        }
+
         FlexImageFloat grey(4, 4, 1);
         QImage target(4, 4, QImage::Format_ARGB32);
         QVERIFY(!copyContentsIntoQtImage(grey, target, 0, 0, nullptr));
