@@ -3,6 +3,7 @@
 #include "core/FlexImage.h"
 #include "media/ColorTransformSet.h"
 #include "media/CompactImage.h"
+#include "media/LargeBuffer.h"
 #include "media/MediaFormats.h"
 
 #include <OpenImageIO/imageio.h>
@@ -23,7 +24,11 @@ namespace {
 void quietExiv2()
 {
     static std::once_flag once;
-    std::call_once(once, [] { Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute); });
+    std::call_once(once, [] {
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        // The XMP toolkit's own start-up isn't thread-safe; loads may run on several workers.
+        Exiv2::XmpParser::initialize();
+    });
 }
 
 // Exiv2's three collections behind the program's keyed-value interface.
@@ -299,6 +304,7 @@ MediaCodecStatus decodePixels(const std::string& path, MediaDecoded& out)
         in->close();
         return MediaCodecStatus::TooLarge;
     }
+    adviseLargeBuffer(bmp.data, size_t(w) * size_t(h) * size_t(spp) * sampleBytes);
     bmp.width = w;
     bmp.height = h;
     bmp.bitsPerComponent = wide ? 16 : 8;
@@ -433,7 +439,10 @@ bool writeProperties(const std::string& path, const MediaProperties* properties,
         return false;
     image->readMetadata(); // keeps the profile the pixel writer embedded
     if (withProps) {
-        image->setExifData(props->exif);
+        // The embedded preview shows the source as it was (and the way it was turned): drop it.
+        Exiv2::ExifData exif = props->exif;
+        Exiv2::ExifThumb(exif).erase();
+        image->setExifData(exif);
         image->setIptcData(props->iptc);
         image->setXmpData(props->xmp);
     }
@@ -456,6 +465,8 @@ bool writePixels(const MediaEncodeRequest& req, const std::string& tmp)
     const int32_t fileChannels = (img.channels == 4 && !out->supports("alpha")) ? 3 : img.channels;
     const OIIO::TypeDesc type = img.is16Bit ? OIIO::TypeDesc::UINT16 : OIIO::TypeDesc::UINT8;
     OIIO::ImageSpec spec(img.width, img.height, fileChannels, type);
+    // Alpha is declared associated although the samples are not, as the program always has: a PNG
+    // writer divides translucent colours by alpha on the way out. Opaque pixels are unaffected.
     if (fileChannels == 4)
         spec.alpha_channel = 3;
     const int quality = int(std::lround(std::clamp(req.quality, 0.0f, 100.0f)));

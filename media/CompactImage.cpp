@@ -1,6 +1,7 @@
 #include "media/CompactImage.h"
 
 #include "core/FlexImage.h"
+#include "media/LargeBuffer.h"
 
 #include <cstdlib>
 #include <utility>
@@ -56,9 +57,11 @@ bool CompactImage::allocate(int32_t w, int32_t h, int32_t layoutCode, bool sixte
     // The float copy always has 4 channels at most; refuse what it could not hold.
     if (ch == 0 || !FlexImageFloat::sizeFits(w, h, 4))
         return false;
-    void* buffer = std::malloc(size_t(w) * size_t(h) * size_t(ch) * (sixteenBit ? 2 : 1));
+    const size_t bytes = size_t(w) * size_t(h) * size_t(ch) * (sixteenBit ? 2 : 1);
+    void* buffer = std::malloc(bytes);
     if (!buffer)
         return false;
+    adviseLargeBuffer(buffer, bytes);
     return adopt(buffer, w, h, layoutCode, sixteenBit);
 }
 

@@ -1,6 +1,7 @@
 #include "media/MediaPixelCopy.h"
 
 #include "core/ParallelFor.h"
+#include "media/LargeBuffer.h"
 #include "media/MediaOrientation.h"
 
 #include <algorithm>
@@ -263,6 +264,7 @@ bool compactToFloat(CompactImage& compact, FlexImageFloat& dest)
         FlexImageFloat fresh(compact.width, compact.height, dc);
         if (fresh.isEmpty())
             return false;
+        adviseLargeBuffer(fresh.data, size_t(fresh.sampleCount()) * sizeof(float));
         std::swap(dest.data, fresh.data);
         std::swap(dest.ownsData, fresh.ownsData);
         dest.width = compact.width;
@@ -286,38 +288,71 @@ bool compactToFloat(CompactImage& compact, FlexImageFloat& dest)
 
 namespace {
 
-template <typename S>
-bool fillQuantised(const FlexImageT<S>& image, bool sixteenBit, int32_t layout, bool viaScale, CompactImage& out)
+// One sample for the file: truncate(v * 257) with its low 16 bits (its high byte for 8 bits), or,
+// on the side route's 8-bit path, the float's own low byte.
+template <bool Sixteen, bool ViaScale>
+static inline uint32_t quantiseSample(double v)
 {
-    if (image.isEmpty() || !out.allocate(image.width, image.height, layout, sixteenBit))
-        return false;
-    const int32_t sc = image.channels, dc = out.channels;
+    if constexpr (Sixteen || ViaScale) {
+        const uint32_t q = truncateToBits(v * 257.0) & 0xffff;
+        return Sixteen ? q : q >> 8;
+    } else {
+        return truncateToBits(v) & 0xff;
+    }
+}
+
+template <typename S, typename D, int SC, int DC, bool Sixteen, bool ViaScale>
+static inline void quantiseRow(const S* src, D* dst, int32_t w)
+{
+    constexpr int n = SC < DC ? SC : DC;
+    constexpr uint32_t opaque = Sixteen ? 65535 : 255;
+    for (int32_t x = 0; x < w; ++x, src += SC, dst += DC) {
+        for (int c = 0; c < n; ++c)
+            dst[c] = D(quantiseSample<Sixteen, ViaScale>(double(src[c])));
+        for (int c = n; c < DC; ++c)
+            dst[c] = D(c == 3 ? opaque : 0);
+    }
+}
+
+template <typename S, typename D, int SC, int DC, bool Sixteen, bool ViaScale>
+void quantiseRows(const FlexImageT<S>& image, CompactImage& out)
+{
     const FlexImageT<S>* src = &image;
     CompactImage* d = &out;
     parallelFor(image.height, [=](int32_t y) {
-        const S* s = src->row(y);
-        for (int32_t x = 0; x < src->width; ++x) {
-            uint32_t v[4] = {0, 0, 0, 0};
-            for (int32_t c = 0; c < dc; ++c) {
-                // Channels the image lacks write 0; a missing alpha is set below.
-                const double sample = c < sc ? double(s[int64_t(x) * sc + c]) : 0.0;
-                if (sixteenBit || viaScale)
-                    v[c] = truncateToBits(sample * 257.0) & 0xffff;
-                else
-                    v[c] = truncateToBits(sample) & 0xff;
-                if (!sixteenBit && viaScale)
-                    v[c] >>= 8;
-            }
-            if (dc == 4 && sc < 4)
-                v[3] = sixteenBit ? 65535 : 255;
-            for (int32_t c = 0; c < dc; ++c) {
-                if (sixteenBit)
-                    d->row16(y)[int64_t(x) * dc + c] = uint16_t(v[c]);
-                else
-                    d->row8(y)[int64_t(x) * dc + c] = uint8_t(v[c]);
-            }
-        }
+        quantiseRow<S, D, SC, DC, Sixteen, ViaScale>(src->row(y), reinterpret_cast<D*>(d->row8(y)), src->width);
     });
+}
+
+// Channel counts the pixel images use, fixed at compile time; others fall back on 1 (grey) and 2.
+template <typename S, typename D, int DC, bool Sixteen, bool ViaScale>
+void quantiseBySource(const FlexImageT<S>& image, CompactImage& out)
+{
+    switch (image.channels) {
+    case 1: quantiseRows<S, D, 1, DC, Sixteen, ViaScale>(image, out); break;
+    case 2: quantiseRows<S, D, 2, DC, Sixteen, ViaScale>(image, out); break;
+    case 3: quantiseRows<S, D, 3, DC, Sixteen, ViaScale>(image, out); break;
+    default: quantiseRows<S, D, 4, DC, Sixteen, ViaScale>(image, out); break;
+    }
+}
+
+template <typename S, bool ViaScale>
+bool fillQuantised(const FlexImageT<S>& image, bool sixteenBit, int32_t layout, CompactImage& out)
+{
+    if (image.isEmpty() || image.channels < 1 || !out.allocate(image.width, image.height, layout, sixteenBit))
+        return false;
+    const bool four = out.channels == 4;
+    if (sixteenBit) {
+        if (four)
+            quantiseBySource<S, uint16_t, 4, true, ViaScale>(image, out);
+        else
+            quantiseBySource<S, uint16_t, 3, true, ViaScale>(image, out);
+    } else {
+        if (four)
+            quantiseBySource<S, uint8_t, 4, false, ViaScale>(image, out);
+        else
+            quantiseBySource<S, uint8_t, 3, false, ViaScale>(image, out);
+    }
     return true;
 }
 
@@ -337,15 +372,15 @@ bool anyAlphaBelowOpaque(const FlexImageFloat& image)
 bool quantiseForSave(const FlexImageFloat& image, bool sixteenBit, CompactImage& out)
 {
     const int32_t layout = anyAlphaBelowOpaque(image) ? CompactImage::RGBA : CompactImage::RGB;
-    return fillQuantised(image, sixteenBit, layout, true, out);
+    return fillQuantised<float, true>(image, sixteenBit, layout, out);
 }
 
 bool bufferForSideSave(const FlexImageFloat& image, bool sixteenBit, CompactImage& out)
 {
-    return fillQuantised(image, sixteenBit, image.channels >= 4 ? CompactImage::RGBA : CompactImage::RGB, false, out);
+    return fillQuantised<float, false>(image, sixteenBit, image.channels >= 4 ? CompactImage::RGBA : CompactImage::RGB, out);
 }
 
 bool bufferForSideSave(const FlexImage8& image, bool sixteenBit, CompactImage& out)
 {
-    return fillQuantised(image, sixteenBit, image.channels >= 4 ? CompactImage::RGBA : CompactImage::RGB, false, out);
+    return fillQuantised<uint8_t, false>(image, sixteenBit, image.channels >= 4 ? CompactImage::RGBA : CompactImage::RGB, out);
 }

@@ -76,7 +76,7 @@ template <typename Sample>
 void advancedContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount,
                           float center, int32_t method)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount) || !std::isfinite(center))
         return;
     if (method < ImageModAdvancedContrast::methodRgb || method > ImageModAdvancedContrast::methodLightness)
         return;
@@ -86,7 +86,9 @@ void advancedContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext*
     forEachPixel(
         image, context, [=](Sample* p) { advancedContrastPixel(p, channels, colour, method, center, e); },
         [=](Sample* p, float m) {
-            advancedContrastPixel(p, channels, colour, method, center, powerPairExponent(maskRuleA(amount, m)));
+            const float a = maskRuleA(amount, m);
+            if (a != 1.0f)
+                advancedContrastPixel(p, channels, colour, method, center, powerPairExponent(a));
         });
 }
 

@@ -49,7 +49,7 @@ static inline void brightnessPixel(Sample* p, int32_t colorChannels, const float
 template <typename Sample>
 void brightnessPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float a)
 {
-    if (!image || image->isEmpty() || a == 1.0f)
+    if (!image || image->isEmpty() || a == 1.0f || !std::isfinite(a))
         return;
     ToneCurve curve("0 0 1 1");
     if (a >= 1.0f)

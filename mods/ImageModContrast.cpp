@@ -3,6 +3,8 @@
 #include "mods/TonalPixelLoop.h"
 #include "mods/TonalSteps.h"
 
+#include <cmath>
+
 namespace {
 
 template <typename Sample>
@@ -15,13 +17,17 @@ static inline void contrastPixel(Sample* p, int32_t colorChannels, float center,
 template <typename Sample>
 void contrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, float center)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount) || !std::isfinite(center))
         return;
     const int32_t colour = image->colorChannels;
     const float e = powerPairExponent(amount);
     forEachPixel(
         image, context, [=](Sample* p) { contrastPixel(p, colour, center, e); },
-        [=](Sample* p, float m) { contrastPixel(p, colour, center, powerPairExponent(maskRuleA(amount, m))); });
+        [=](Sample* p, float m) {
+            const float a = maskRuleA(amount, m);
+            if (a != 1.0f)
+                contrastPixel(p, colour, center, powerPairExponent(a));
+        });
 }
 
 } // namespace

@@ -4,12 +4,14 @@
 #include "mods/ImageModSaturation.h"
 #include "mods/TonalPixelLoop.h"
 
+#include <cmath>
+
 namespace {
 
 template <typename Image>
 void contrastAndSaturation(Image* image, const ImageModApplyContext* context, float amount, float center)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount) || !std::isfinite(center))
         return;
     ImageModContrast contrast(1, amount, center);
     contrast.apply(image, context);

@@ -52,7 +52,7 @@ static inline void exposePixel(Sample* p, int32_t channels, int32_t colorChannel
 template <typename Sample>
 void exposurePass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount))
         return;
     const int32_t channels = image->channels;
     const int32_t colour = image->colorChannels;

@@ -33,7 +33,7 @@ static inline Sample gammaChannel(Sample c, float e, int32_t mode)
 template <typename Sample>
 void gammaPass(FlexImageT<Sample>* image, float a, int32_t version)
 {
-    if (!image || image->isEmpty() || a == 1.0f)
+    if (!image || image->isEmpty() || a == 1.0f || !std::isfinite(a))
         return;
     int32_t mode = 0;  // 1 brighten, -1 darken, 0 plain power
     float e;

@@ -2,13 +2,15 @@
 
 #include "mods/ToneRegionPass.h"
 
+#include <cmath>
+
 namespace {
 
 template <typename Sample>
 void highlightsPass(const ImageModHighlights& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
 {
     const float a = mod.floatValue(0);
-    if (!image || image->isEmpty() || a == 1.0f)
+    if (!image || image->isEmpty() || a == 1.0f || !std::isfinite(a))
         return;
     if (mod.version == 2) {
         toneRegionTablePass(image, context, a, mod.brightenCurve, mod.darkenCurve);

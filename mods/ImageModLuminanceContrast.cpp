@@ -3,12 +3,14 @@
 #include "mods/TonalPixelLoop.h"
 #include "mods/TonalSteps.h"
 
+#include <cmath>
+
 namespace {
 
 template <typename Sample>
 void luminanceContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, float center)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount) || !std::isfinite(center))
         return;
     const int32_t channels = image->channels;
     const int32_t colour = image->colorChannels;
@@ -16,7 +18,9 @@ void luminanceContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext
     forEachPixel(
         image, context, [=](Sample* p) { luminanceContrastPixel(p, channels, colour, center, e); },
         [=](Sample* p, float m) {
-            luminanceContrastPixel(p, channels, colour, center, powerPairExponent(maskRuleA(amount, m)));
+            const float a = maskRuleA(amount, m);
+            if (a != 1.0f)
+                luminanceContrastPixel(p, channels, colour, center, powerPairExponent(a));
         });
 }
 

@@ -3,6 +3,8 @@
 #include "mods/TonalPixelLoop.h"
 #include "mods/TonalSteps.h"
 
+#include <cmath>
+
 namespace {
 
 template <typename Sample>
@@ -17,7 +19,7 @@ static inline void saturatePixel(Sample* p, int32_t channels, int32_t colorChann
 template <typename Sample>
 void saturationPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, int32_t version)
 {
-    if (!image || image->isEmpty() || amount == 1.0f)
+    if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount))
         return;
     const bool root = version == 2;
     const int32_t channels = image->channels;
@@ -28,7 +30,11 @@ void saturationPass(FlexImageT<Sample>* image, const ImageModApplyContext* conte
     const float v = saturationFactor(amount);
     forEachPixel(
         image, context, [=](Sample* p) { saturatePixel(p, channels, colour, v, root); },
-        [=](Sample* p, float m) { saturatePixel(p, channels, colour, saturationFactor(maskRuleA(amount, m)), root); });
+        [=](Sample* p, float m) {
+            const float a = maskRuleA(amount, m);
+            if (a != 1.0f)
+                saturatePixel(p, channels, colour, saturationFactor(a), root);
+        });
 }
 
 } // namespace

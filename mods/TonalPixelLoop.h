@@ -10,6 +10,8 @@
 // Row-parallel walk for the per-pixel adjustments. Without a mask every pixel goes through
 // plain(p); with one, masked(p, m) gets the mask value read before the pixel is touched. Keeping
 // the two paths apart lets a mod fold its per-image constants out of the unmasked loop.
+// Masked steps skip a pixel whose effective amount is neutral: the formulas would give the value
+// back only up to rounding, and in 8 bits the truncation turns that into a step down.
 template <typename Sample, typename Plain, typename Masked>
 void forEachPixel(FlexImageT<Sample>* image, const ImageModApplyContext* context, Plain plain, Masked masked)
 {

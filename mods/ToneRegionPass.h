@@ -38,7 +38,10 @@ void toneRegionTablePass(FlexImageT<Sample>* image, const ImageModApplyContext* 
     const int32_t channels = image->channels;
     forEachPixel(
         image, context, [=](Sample* p) { toneRegionValuePixel(p, channels, table, t); },
-        [=](Sample* p, float m) { toneRegionValuePixel(p, channels, table, m * t); });
+        [=](Sample* p, float m) {
+            if (m != 0.0f)
+                toneRegionValuePixel(p, channels, table, m * t);
+        });
 }
 
 template <typename Sample>

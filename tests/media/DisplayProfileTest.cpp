@@ -6,7 +6,6 @@
 
 #include <QProcess>
 #include <QStandardPaths>
-#include <QThread>
 
 #include <cstdlib>
 #include <cstdio>
@@ -30,26 +29,21 @@ public:
         const char* old = std::getenv("DISPLAY");
         oldDisplay = old ? old : "";
         hadDisplay = old != nullptr;
-        char name[16];
-        std::snprintf(name, sizeof name, ":%d", 90 + int(getpid() % 40));
-        display = name;
-        // -noreset: the server would drop the root's properties when the last client leaves.
-        server.start("Xvfb", {QString::fromStdString(display), "-noreset", "-nolisten", "tcp", "-screen", "0", "64x64x24"});
+        // -displayfd: the server picks a free display and prints its number on stdout.
+        // -noreset: it would drop the root's properties when the last client leaves.
+        server.start("Xvfb", {"-displayfd", "1", "-noreset", "-nolisten", "tcp", "-screen", "0", "64x64x24"});
         if (!server.waitForStarted(5000))
             return false;
+        QByteArray number;
+        while (!number.contains('\n') && server.waitForReadyRead(10000))
+            number += server.readAllStandardOutput();
+        bool ok = false;
+        const int n = number.trimmed().toInt(&ok);
+        if (!ok)
+            return false;
+        display = (QByteArray(":") + QByteArray::number(n)).toStdString();
         setenv("DISPLAY", display.c_str(), 1);
-        for (int i = 0; i < 50; ++i) {
-#ifdef HAVE_XCB_HEADERS
-            xcb_connection_t* c = xcb_connect(display.c_str(), nullptr);
-            const bool up = c && !xcb_connection_has_error(c);
-            if (c)
-                xcb_disconnect(c);
-            if (up)
-                return true;
-#endif
-            QThread::msleep(100);
-        }
-        return false;
+        return true;
     }
     ~PrivateXServer()
     {

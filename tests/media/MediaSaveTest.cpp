@@ -91,6 +91,24 @@ TEST(MediaSaveTest, OpaqueRgbaSavesAsRgbAndTranslucentKeepsAlpha)
     EXPECT_EQ(a.bitmap.row(0)[1 * 4], uint8_t((int(img.row(0)[4] * 257.0) & 0xffff) >> 8));
 }
 
+TEST(MediaSaveTest, JpegDropsAlphaAndWritersAreKnownByExtension)
+{
+    SaveFolder folder;
+    FlexImageFloat img;
+    gradient(img, 16, 16, 4);
+    img.data[3] = 0.0f;
+    LoadedMediaInfo info;
+    ASSERT_TRUE(saveRenderedMediaFile(img, info, folder.path("a.jpg"), 100.0f));
+    MediaDecoded d;
+    ASSERT_EQ(decodeMediaFile(folder.path("a.jpg"), d, false), MediaCodecStatus::Ok);
+    EXPECT_EQ(d.bitmap.samplesPerPixel(), 3);
+    EXPECT_NEAR(d.bitmap.row(8)[8 * 3 + 2], 100, 2); // colour read at the right stride
+    EXPECT_TRUE(canEncodeMediaPath("x.jpg"));
+    EXPECT_TRUE(canEncodeMediaPath("x.TIFF"));
+    EXPECT_TRUE(canEncodeMediaPath("x.png"));
+    EXPECT_FALSE(canEncodeMediaPath("x.xyz"));
+}
+
 TEST(MediaSaveTest, SixteenBitPngAndTiffRoundTripExactly)
 {
     SaveFolder folder;
@@ -167,6 +185,10 @@ TEST(MediaSaveTest, GpsAndLargeProfileSurviveAJpegRoundTrip)
             EXPECT_EQ(props->value(k), source->value(k)) << k;
         }
     EXPECT_GT(gps, 0);
+    // The source's preview of the old picture isn't carried into the new file.
+    EXPECT_TRUE(source->has("Exif.Thumbnail.JPEGInterchangeFormat"));
+    EXPECT_FALSE(props->has("Exif.Thumbnail.JPEGInterchangeFormat"));
+    EXPECT_EQ(props->value("Exif.Image.Model"), "NIKON D1X");
     MediaDecoded d;
     ASSERT_EQ(decodeMediaFile(out, d, false), MediaCodecStatus::Ok);
     ASSERT_EQ(d.iccProfile.size(), info.iccProfile.size());
