@@ -34,7 +34,7 @@ void AppScreenshotProbe::pollTimerFired()
 {
     QWidget* w = shownWindow();
     // Wait one more poll after the first exposure so pending layout and paint events are done.
-    if (w && ++exposedPolls >= 2) {
+    if (w && ++exposedPolls >= 2 && (!readyCheck || w != preferredWindow || readyCheck())) {
         pollTimer->stop();
         QImage shot = w->grab().toImage();
         shot.setText(QStringLiteral("Title"), w->windowTitle());

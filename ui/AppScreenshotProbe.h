@@ -2,6 +2,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
+#include <functional>
+
 class QTimer;
 class QWidget;
 
@@ -13,6 +15,10 @@ class AppScreenshotProbe : public QObject
     Q_OBJECT
 public:
     AppScreenshotProbe(QWidget* preferredWindow, const QString& pngPath, QObject* parent = nullptr);
+
+    // Optional: the shot also waits (within the same bound) until this says the content is final,
+    // e.g. until the picture's processing has settled.
+    std::function<bool()> readyCheck;
 
 private slots:
     void pollTimerFired();

@@ -1,13 +1,26 @@
 #pragma once
+#include "ui/MVDocument.h"
+
 #include <QtCore/QPointer>
-#include <QtGui/QImage>
+#include <QtCore/QString>
 #include <QtWidgets/QMainWindow>
 
-class QLabel;
-class MVStartupWindow;
+#include <vector>
 
-// The program's top window. For now it shows the loaded photo fitted to the window; the
-// document tabs, tray and panels replace the photo view.
+class ImageMod;
+class MVStartupWindow;
+class MVTabBar;
+class MVToolPanel;
+class MVSubWindow;
+class MVToolWidget;
+class MVPanelItemListButton;
+class MVPanelItemBigButton;
+class QAction;
+class QPushButton;
+
+// The single top window and the switchboard of the program: it owns the documents and panels,
+// builds the menus (whose action texts are the keys of the dispatch) and places every child by
+// hand in layoutWindow().
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -15,23 +28,152 @@ public:
     explicit MainWindow(const QString& styleSheetText, QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    // The one door by which a file becomes the shown photo. On success the path is kept as the
-    // window's file path.
+    // The one door by which a file becomes the current document's media.
     bool loadFile(const QString& path);
+    void updateWindowTitle();
+    // Places the panel, tray, tab bar, panes and buttons.
+    void layoutWindow();
+    // Sets the view mode (0 single, 1 side by side, 2 stacked) and keeps buttons and actions in step.
+    void setViewMode(int mode);
+    // Runs the menu action with this text, as if chosen; false when no action has it.
+    bool triggerActionByText(const QString& text);
+    QAction* actionByText(const QString& text) const;
+    MVMediaWidget* currentViewer() const;
+    // True when every shown picture has had its passes and none is pending.
+    bool displaySettled() const;
+    // The document area in the central widget's coordinates.
+    QRect documentArea() const;
 
-    bool pluginMode = false; // a plug-in host is waiting for a result; file-open events queue
+    // The one way to show a message: a title, a text and up to three buttons; returns the index
+    // of the button pressed (0 for the first). Modal.
+    int showMessage(const QString& title, const QString& text, const QString& button1 = QStringLiteral("OK"),
+                    const QString& button2 = QString(), const QString& button3 = QString());
+    // The same without waiting: the window stays usable while the message is up.
+    void showNotice(const QString& title, const QString& text);
+
+    // The text of the "Media Info" dialog for a document (also for tests).
+    static QString mediaInfoText(const MVDocument& doc, int outputWidth, int outputHeight);
+    // The local page a Help entry opens.
+    static QString helpPageAnchor(const QString& actionText);
+
+    std::vector<MVDocument> documents;
+    int documentCount = 0;
+    int currentDocument = 0;
+    MVTabBar* tabBar = nullptr;
+    MVToolPanel* toolPanel = nullptr;
+    QWidget* trayArea = nullptr;
+    MVSubWindow* renderQueueWindow = nullptr;
+    MVSubWindow* pixelInfoWindow = nullptr;
+    MVToolWidget* activeTool = nullptr;
+    std::vector<QWidget*> panelControls;
+    std::vector<QWidget*> nodeControls;
+    bool trayVisible = true;
+    bool panelVisible = true;
+    int viewMode = 0;
+    int nextTabID = 0;
+    std::vector<float> paneShares;
+    bool pluginMode = false;
+    QString pluginCallID;
+
+    // Where the tool panel sits until it has its own widget.
+    QWidget* panelArea = nullptr;
+    QPushButton* viewportButtons[3] = {nullptr, nullptr, nullptr};
+    QPushButton* newTabButton = nullptr;
+    std::vector<QPushButton*> miniButtons;
+
+    static constexpr int panelWidth = 224;
+    static constexpr int trayHeight = 96;
+    static constexpr int trayInset = 5;
+    static constexpr int topStripHeight = 30;
+    static constexpr int miniStripHeight = 30;
 
 public slots:
     void startupWindowClosed(int resultCode);
+    void tabDividerAdjusted(qtWidgetDivider* which);
+    void sendToPluginHost();
+    void loadFilterSlot(QString fileName, bool removeTrayNodes = true);
+    void toolRequestedExit(MVToolWidget* whichTool);
+    void viewportButtonPressed();
+    void newTabButtonPressed();
+    void documentTabChosen(int tabID);
+    void documentTabWantsClosing(int tabID);
+    void cancelRenderQueueItem(int ID);
+    void processingInfoTimerFired();
+    void previewProcessorTimerFired();
+    void traySelectionChanged();
+    void trayContentChanged();
+    void menuTriggered(QAction* act);
+    void actionTriggered();
+    void controlHeightChanged();
+    void controlHovered(QWidget* control);
+    void controlAdjusted(QWidget* control);
+    void controlRightClicked(QWidget* control);
+    void shuttleControlAdjusted();
+    void setShuttleInPoint();
+    void setShuttleOutPoint();
+    void controlAboutToBeAdjusted();
+    void modButtonClicked(MVPanelItemListButton* clicker, bool append, bool star);
+    void comIDButtonClicked(MVPanelItemBigButton* button);
+    void deleteFavoriteClicked(QString name);
+    void imageModHovered(ImageMod* mod);
+    void filterPreviewChosen(QString name);
+    void previewSectionEnabled(int tabID, QString sectionName, bool enabled);
+    void saveFavoriteFilterPrompt();
+    void onEmptyClick();
+    void onImageRepositioned();
+    void videoShuttleUpdateRequest(VideoLoaderSaverTime myTime);
+    void hidePanelButtonPressed();
+    void hideTrayButtonPressed();
+    void nextPresetButtonPressed();
+    void previousPresetButtonPressed();
+    void toggleHistogramView(int graphType);
+    void previewButtonPressed();
+    void deleteNodesButtonPressed();
+    void previewVideoButtonPressed();
+    void cancelProcessingButtonPressed();
+    void cycleInterfaceVisibility();
+    void toggleInterfaceVisibility();
     void startupButtonPressed();
+    void nodeControlAnimationTimerFired();
+    void displayFinishedUpdating();
 
 protected:
+    bool event(QEvent* e) override;
+    void keyPressEvent(QKeyEvent* e) override;
+    void leaveEvent(QEvent* e) override;
     void resizeEvent(QResizeEvent* e) override;
+    void closeEvent(QCloseEvent* e) override;
+    void dragEnterEvent(QDragEnterEvent* e) override;
+    void dropEvent(QDropEvent* e) override;
 
 private:
-    void showPhoto();
+    void buildMenus();
+    void buildButtons();
+    QAction* addMenuAction(QMenu* menu, const char* text, std::initializer_list<const char*> shortcuts = {},
+                           bool checkable = false);
+    void addWindowAction(const char* text, std::initializer_list<QKeySequence> shortcuts);
+    void addDocument();
+    void closeDocumentAt(int index);
+    void selectDocument(int index);
+    int documentIndexForTab(int tabID) const;
+    int documentIndexForViewer(const QObject* viewer) const;
+    // The viewer gets the flat list of the current document's tiles.
+    void handListToViewer(MVDocument& doc);
+    void zoomCurrent(float zoom);
+    void setInterfaceState(bool panelShown, bool trayShown);
+    void showLoadDialog();
+    void showMediaInfo();
+    void showAbout();
+    void openHelpPage(const QString& actionText);
+    void revealInFileBrowser(const QString& path);
+    void storePreferences();
+    void restoreWindowGeometry();
+    void layoutPanes(const QRect& area);
 
-    QLabel* photoView = nullptr;
-    QImage photo;
+    QWidget* central = nullptr;
     QPointer<MVStartupWindow> startupWindow;
+    std::vector<QAction*> menuActions;
+    QAction* viewModeActions[3] = {nullptr, nullptr, nullptr};
+    QAction* autohideAction = nullptr;
+    QAction* hoverPreviewsAction = nullptr;
 };

@@ -39,8 +39,10 @@ int main(int argc, char** argv)
 
     // Smoke-test hook: grab the first window on screen into a PNG and quit.
     const QByteArray shotPath = qgetenv("VANTREL_SMOKE_SCREENSHOT");
-    if (!shotPath.isEmpty())
-        new AppScreenshotProbe(mainWindow, QString::fromLocal8Bit(shotPath), &app);
+    if (!shotPath.isEmpty()) {
+        auto* probe = new AppScreenshotProbe(mainWindow, QString::fromLocal8Bit(shotPath), &app);
+        probe->readyCheck = [mainWindow] { return mainWindow->displaySettled(); };
+    }
 
     const int result = app.exec();
     app.mainWindow = nullptr;

@@ -4,6 +4,7 @@
 #include "ArtworkCanvas.h"
 #include "SampleScene.h"
 #include "StartupArt.h"
+#include "WindowArt.h"
 #include <QtCore/QDir>
 #include <QtGui/QGuiApplication>
 #include <cstdio>
@@ -51,6 +52,28 @@ int main(int argc, char** argv)
         {"vn_photo_startup", 640, 400, [](QPainter& p) { drawStartupBackground(p); }},
         {"startup_loadphoto", 240, 48, [](QPainter& p) { drawLoadPhotoButton(p, false); }},
         {"startup_loadphoto_high", 240, 48, [](QPainter& p) { drawLoadPhotoButton(p, true); }},
+        {"main_bg", 32, 32, [](QPainter& p) { drawMainBackground(p, 32, 32); }},
+        {"panel_bg", 224, 32, [](QPainter& p) { drawPanelBackground(p, 224, 32); }},
+        {"mini_button_bg", 30, 24, [](QPainter& p) { drawMiniButtonBackground(p, 30, 24, false); }},
+        {"mini_button_bg_down", 30, 24, [](QPainter& p) { drawMiniButtonBackground(p, 30, 24, true); }},
+        {"minib_icon_hide_p", 16, 16, [](QPainter& p) { drawMiniIcon(p, "hide_p"); }},
+        {"minib_icon_show_p", 16, 16, [](QPainter& p) { drawMiniIcon(p, "show_p"); }},
+        {"minib_icon_hide_t", 16, 16, [](QPainter& p) { drawMiniIcon(p, "hide_t"); }},
+        {"minib_icon_show_t", 16, 16, [](QPainter& p) { drawMiniIcon(p, "show_t"); }},
+        {"minib_icon_visible", 16, 16, [](QPainter& p) { drawMiniIcon(p, "visible"); }},
+        {"minib_icon_del", 16, 16, [](QPainter& p) { drawMiniIcon(p, "del"); }},
+        {"minib_icon_previous_preset", 16, 16, [](QPainter& p) { drawMiniIcon(p, "previous_preset"); }},
+        {"minib_icon_next_preset", 16, 16, [](QPainter& p) { drawMiniIcon(p, "next_preset"); }},
+        {"panels_single_inactive", 28, 22, [](QPainter& p) { drawViewModeButton(p, "single", false); }},
+        {"panels_single_active", 28, 22, [](QPainter& p) { drawViewModeButton(p, "single", true); }},
+        {"panels_vertical_inactive", 28, 22, [](QPainter& p) { drawViewModeButton(p, "vertical", false); }},
+        {"panels_vertical_active", 28, 22, [](QPainter& p) { drawViewModeButton(p, "vertical", true); }},
+        {"panels_horizontal_inactive", 28, 22, [](QPainter& p) { drawViewModeButton(p, "horizontal", false); }},
+        {"panels_horizontal_active", 28, 22, [](QPainter& p) { drawViewModeButton(p, "horizontal", true); }},
+        {"new_tab_button", 28, 22, [](QPainter& p) { drawNewTabButton(p, false); }},
+        {"new_tab_button_down", 28, 22, [](QPainter& p) { drawNewTabButton(p, true); }},
+        {"default_image_thumb", 160, 120, [](QPainter& p) { drawPlaceholderThumb(p, 160, 120); }},
+        {"app_icon_64", 64, 64, [](QPainter& p) { drawEmblem(p, QRectF(2, 2, 60, 60)); }},
     };
     bool ok = true;
     for (const Artwork& a : artworks) {

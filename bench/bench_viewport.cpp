@@ -1,0 +1,102 @@
+// A slider drag as a person makes it: the last of five tiles changes, and the time runs from the
+// hand-over of the new list to the viewport until its pass has put the picture on screen (the
+// moment displayUpdatedSignal goes out). A 24-megapixel photo fitted in a 1920 x 1080 view.
+#include "core/ImageMod.h"
+#include "core/ImageModVariable.h"
+#include "desktop_only/MediaLoading.h"
+#include "document/MVMediaWidget.h"
+#include "document/core/ModSequenceRunner.h"
+#include "mods/ImageModBrightness.h"
+#include "mods/ImageModContrast.h"
+#include "mods/ImageModExposure.h"
+#include "mods/ImageModSaturation.h"
+#include "mods/ImageModToneCurve.h"
+
+#include <QtWidgets/QApplication>
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+QApplication* application()
+{
+    static int argc = 1;
+    static char name[] = "bench_viewport";
+    static char* argv[] = {name, nullptr};
+    static QApplication* app = [] {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        return new QApplication(argc, argv);
+    }();
+    return app;
+}
+
+void waitForPass(MVMediaWidget& w, int passesBefore)
+{
+    // A short sleep, not a spin: the pass needs both cores.
+    while (w.finishedPasses() <= passesBefore)
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+}
+
+void BM_ViewportSliderDrag(benchmark::State& state)
+{
+    application();
+    auto* photo = new FlexImageFloat(100, 100, 4);
+    if (!LoadMediaFile(*photo, VANTREL_TESTDATA "/nikon_d5300_6000x4000.jpg", nullptr)) {
+        delete photo;
+        state.SkipWithError("the 24-megapixel test photo is not available");
+        return;
+    }
+    MVMediaWidget w;
+    w.resize(1920, 1080);
+    w.setSource(photo);
+    while (w.isProcessing())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+
+    ImageModExposure exposure(1.2f);
+    ImageModContrast contrast(ImageModContrast::newestVersion, 1.1f);
+    ImageModSaturation saturation(ImageModSaturation::newestVersion, 1.2f);
+    ImageModToneCurve curve;
+    ImageModBrightness brightness(1.1f);
+    // The dragged tile is a contrast: one multiply-add a sample, the common cost of a slider.
+    ImageModContrast dragged(ImageModContrast::newestVersion, 1.0f);
+    const std::vector<ImageMod*> list = {&exposure, &brightness, &saturation, &curve, &dragged};
+
+    // The first pass runs all five and stores the picture before the dragged tile.
+    int passes = w.finishedPasses();
+    w.setMods(list);
+    waitForPass(w, passes);
+    while (w.isProcessing())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+
+    std::vector<double> times;
+    int step = 0;
+    for (auto _ : state) {
+        dragged.variableAt(0)->setFloatValue(0.8f + 0.01f * float(step++ % 40));
+        passes = w.finishedPasses();
+        const auto start = std::chrono::steady_clock::now();
+        w.setMods(list);
+        waitForPass(w, passes);
+        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+        state.SetIterationTime(elapsed.count());
+        times.push_back(elapsed.count() * 1e3);
+        // Let the worker end and drain the queued repaint signals between changes.
+        while (w.isProcessing())
+            std::this_thread::sleep_for(std::chrono::microseconds(50));
+        QCoreApplication::processEvents();
+    }
+    std::sort(times.begin(), times.end());
+    if (!times.empty())
+        state.counters["median_ms"] = times[times.size() / 2];
+    state.counters["cached_stage"] = w.runner->currentCachedStage();
+    state.counters["view_w"] = w.drawWidth;
+    state.counters["view_h"] = w.drawHeight;
+}
+
+} // namespace
+
+BENCHMARK(BM_ViewportSliderDrag)->UseManualTime()->Iterations(50)->Unit(benchmark::kMillisecond);

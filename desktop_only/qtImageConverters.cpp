@@ -1,0 +1,79 @@
+#include "desktop_only/qtImageConverters.h"
+
+#include "core/ParallelFor.h"
+#include "media/ColorTransformSet.h"
+
+#include <QtGui/QImage>
+
+#include <algorithm>
+
+namespace {
+
+// Clamp and truncate; NaN lands on 0.
+static inline uint32_t toByte(float v)
+{
+    return v > 0.0f ? (v < 255.0f ? uint32_t(v) : 255u) : 0u;
+}
+
+static inline uint32_t packPixel(uint32_t r, uint32_t g, uint32_t b, uint32_t a)
+{
+    return (a << 24) | (r << 16) | (g << 8) | b;
+}
+
+} // namespace
+
+bool copyContentsIntoQtImage(const FlexImageFloat& source, QImage& target, int32_t offsetX, int32_t offsetY,
+                             const ColorTransformSet* transform)
+{
+    if (source.channels < 3)
+        return false;
+    if (target.format() != QImage::Format_ARGB32 && target.format() != QImage::Format_RGB32)
+        return false;
+    if (source.isEmpty() || target.isNull())
+        return true;
+
+    // Clip once: the span of source columns and rows that land inside the target.
+    const int32_t x0 = std::max(0, -offsetX);
+    const int32_t x1 = std::min(source.width, target.width() - offsetX);
+    const int32_t y0 = std::max(0, -offsetY);
+    const int32_t y1 = std::min(source.height, target.height() - offsetY);
+    if (x0 >= x1 || y0 >= y1)
+        return true;
+
+    const bool convert = transform && transform->converts();
+    const int32_t ch = source.channels;
+    // An RGB32 target keeps its alpha byte at 255 whatever the source says.
+    const bool hasAlpha = ch >= 4 && target.format() == QImage::Format_ARGB32;
+    const int32_t span = x1 - x0;
+    // Resolve the row pointers here: scanLine() may detach, which must not happen on a worker.
+    uchar* base = target.bits();
+    const qsizetype stride = target.bytesPerLine();
+
+    parallelFor(y1 - y0, [&](int32_t i) {
+        const int32_t y = y0 + i;
+        const float* src = source.row(y) + int64_t(x0) * ch;
+        uchar* rowBytes = base + stride * (y + offsetY);
+        uint32_t* dst = reinterpret_cast<uint32_t*>(rowBytes) + (x0 + offsetX);
+        if (!convert) {
+            for (int32_t x = 0; x < span; ++x, src += ch)
+                dst[x] = packPixel(toByte(src[0]), toByte(src[1]), toByte(src[2]), hasAlpha ? toByte(src[3]) : 255u);
+            return;
+        }
+        // With a transform the row goes through 8-bit RGB triples, packed at the front of the
+        // destination span itself (3 bytes a pixel fit in 4), then spread out from the end so no
+        // triple is overwritten before it is read.
+        uint8_t* rgb = reinterpret_cast<uint8_t*>(dst);
+        for (int32_t x = 0; x < span; ++x, src += ch) {
+            rgb[3 * x] = uint8_t(toByte(src[0]));
+            rgb[3 * x + 1] = uint8_t(toByte(src[1]));
+            rgb[3 * x + 2] = uint8_t(toByte(src[2]));
+        }
+        transformRgb8RowToDisplay(*transform, rgb, span);
+        const float* alpha = source.row(y) + int64_t(x0) * ch + 3;
+        for (int32_t x = span - 1; x >= 0; --x) {
+            const uint32_t a = hasAlpha ? toByte(alpha[int64_t(x) * ch]) : 255u;
+            dst[x] = packPixel(rgb[3 * x], rgb[3 * x + 1], rgb[3 * x + 2], a);
+        }
+    });
+    return true;
+}
