@@ -64,7 +64,8 @@ static inline void hueExposurePixel(Sample* p, int32_t channels, int32_t colorCh
     }
 }
 
-// Version 2 ramps: 0 at the ends, rising quadratically, then easing into 1.
+// Version 2 ramps: 0 at the ends, rising quadratically, then easing into 1. The easing term
+// is squared in double, without rounding it to float first.
 static inline float lightnessRamp(float l)
 {
     const float a = 1.0f - 2.0f * std::fabs(l - 0.5f);
@@ -74,8 +75,8 @@ static inline float lightnessRamp(float l)
         return 1.0f;
     if (a < 0.3f)
         return a * a * 3.3333333f;
-    const float q = float(double(1.0f - a) * 1.4285714528998554);
-    return float(1.0 - 0.699999988079071 * double(q * q));
+    const double q = double(1.0f - a) * 1.4285714528998554;
+    return float(1.0 - 0.699999988079071 * (q * q));
 }
 
 static inline float saturationRamp(float s)
@@ -86,8 +87,8 @@ static inline float saturationRamp(float s)
         return 1.0f;
     if (s < 0.15f)
         return s * s * 6.6666665f;
-    const float q = float(double(1.0f - s) * 1.176470596485072);
-    return float(1.0 - 0.8499999940395355 * double(q * q));
+    const double q = double(1.0f - s) * 1.176470596485072;
+    return float(1.0 - 0.8499999940395355 * (q * q));
 }
 
 template <typename Sample>

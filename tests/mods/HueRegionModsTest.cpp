@@ -214,37 +214,136 @@ TEST(HueRegionMods, HueBrightnessOldestVersionAddsWeightedWhite)
     EXPECT_EQ(b->data[2], uint8_t(100.0 + add));
 }
 
-TEST(HueRegionMods, HueBrightnessLightnessVersion)
+namespace {
+
+// One pixel through Hue Brightness version 2, worked by hand. Every input has g = b below r, so
+// the hue is 0 and the peak-at-zero curve reads its first point exactly.
+struct LightnessCase {
+    float r, g, b;      // input
+    double outR, outG;  // expected float result; blue equals green
+    uint8_t r8, g8;     // expected 8-bit result (truncated)
+};
+
+// Curve reading 0.75 (w = 0.5, lightness pulled towards 1).
+//  (200,100,100): L = 10/17, S = 10/21; a = 14/17 -> gL = 1 - 0.7 (3/17 / 0.7)^2 = 0.955512;
+//                 gS = 1 - 0.85 (11/21 / 0.85)^2 = 0.677204; W = 0.647078;
+//                 L' = (7/17) W / 2 + 10/17 = 0.721457; v = L' + S - L' S, m = 2 L' - v.
+//  (40,20,20):    L = 2/17, a = 4/17 < 0.3 -> gL = a^2 * 3.3333333 = 0.184544; S = 1/3, gS = 0.477124.
+//  (110,100,100): L = 7/17, S = 1/21 < 0.15 -> gS = S^2 * 6.6666665 = 0.0151172; gL = 0.955512.
+//  (250,5,5):     L = 1/2, so a = 1 and gL = 1; S = 49/51, gS = 0.998191.
+const LightnessCase kRaise[] = {
+    {200.0f, 100.0f, 100.0f, 217.794604, 150.148428, 217, 150},
+    {40.0f, 20.0f, 20.0f, 53.207590, 26.603795, 53, 26},
+    {110.0f, 100.0f, 100.0f, 111.134934, 101.031759, 111, 101},
+    {250.0f, 5.0f, 5.0f, 252.495477, 129.773843, 252, 129},
+};
+
+// Curve reading 0.25 (w = -0.5): L' = L (1 - W / 2), same ramps as above.
+//  (200,100,100): L' = 0.397919 is now below 1/2, so v = L' (1 + S).
+const LightnessCase kLower[] = {
+    {200.0f, 100.0f, 100.0f, 149.787960, 53.150566, 149, 53},
+    {40.0f, 20.0f, 20.0f, 38.238988, 19.119494, 38, 19},
+    {110.0f, 100.0f, 100.0f, 109.205546, 99.277769, 109, 99},
+    {250.0f, 5.0f, 5.0f, 125.226157, 2.504523, 125, 2},
+};
+
+template <size_t N>
+void expectLightnessCases(const char* peak, const LightnessCase (&cases)[N])
+{
+    ImageModHueBrightness mod;
+    mod.setVersion(2);
+    setCurve(mod, 1, peakAtZero(peak));
+    setHueOffset(mod, 1, 0.0f);
+    std::vector<std::vector<float>> px;
+    for (const LightnessCase& c : cases)
+        px.push_back({c.r, c.g, c.b});
+    auto f = curveTestImage<FlexImageFloat>(px);
+    auto b = curveTestImage<FlexImage8>(px);
+    mod.apply(f.get(), nullptr);
+    mod.apply(b.get(), nullptr);
+    for (size_t i = 0; i < N; ++i) {
+        const LightnessCase& c = cases[i];
+        SCOPED_TRACE(testing::Message() << peak << " pixel " << c.r << "," << c.g << "," << c.b);
+        EXPECT_NEAR(f->data[3 * i], c.outR, 2e-3);
+        EXPECT_NEAR(f->data[3 * i + 1], c.outG, 2e-3);
+        EXPECT_NEAR(f->data[3 * i + 2], c.outG, 2e-3);
+        EXPECT_EQ(b->data[3 * i], c.r8);
+        EXPECT_EQ(b->data[3 * i + 1], c.g8);
+        EXPECT_EQ(b->data[3 * i + 2], c.g8);
+    }
+}
+
+} // namespace
+
+TEST(HueRegionMods, HueBrightnessLightnessRaisesAndLowersByHand)
+{
+    expectLightnessCases(".75", kRaise);
+    expectLightnessCases(".25", kLower);
+}
+
+TEST(HueRegionMods, HueBrightnessLightnessGreysStay)
+{
+    // S is 0 on a grey, so gS and the weight are 0: every level stays at both depths, even under a
+    // curve that reads 0.9 at every hue.
+    ImageModHueBrightness mod;
+    mod.setVersion(2);
+    setCurve(mod, 1, "0 .9 1 .9");
+    FlexImage8 ramp8(256, 1, 3);
+    FlexImageFloat rampF(1021, 1, 3);
+    for (int32_t i = 0; i < 256; ++i)
+        ramp8.data[3 * i] = ramp8.data[3 * i + 1] = ramp8.data[3 * i + 2] = uint8_t(i);
+    for (int32_t i = 0; i < 1021; ++i)
+        rampF.data[3 * i] = rampF.data[3 * i + 1] = rampF.data[3 * i + 2] = float(i) * 0.25f;
+    auto ref8 = curveTestCopy(ramp8);
+    auto refF = curveTestCopy(rampF);
+    mod.apply(&ramp8, nullptr);
+    mod.apply(&rampF, nullptr);
+    EXPECT_TRUE(curveTestSame(ramp8, *ref8));
+    EXPECT_TRUE(curveTestSame(rampF, *refF));
+    // A coloured pixel beside the greys does move, so the curve is live.
+    auto c = curveTestImage<FlexImageFloat>({{200.0f, 100.0f, 100.0f}});
+    mod.apply(c.get(), nullptr);
+    EXPECT_GT(c->data[0], 210.0f);
+}
+
+TEST(HueRegionMods, HueBrightnessLightnessFollowsMask)
 {
     ImageModHueBrightness mod;
     mod.setVersion(2);
     setCurve(mod, 1, peakAtZero(".75"));
     setHueOffset(mod, 1, 0.0f);
-    auto f = curveTestImage<FlexImageFloat>({{200.0f, 100.0f, 100.0f}});
-    mod.apply(f.get(), nullptr);
-    float h0, s0, l0;
-    rgbToHsl(200.0f, 100.0f, 100.0f, h0, s0, l0);
-    // The two ramps written out independently.
-    const double a = 1.0 - 2.0 * std::fabs(l0 - 0.5);
-    const double gl = 1.0 - 0.7 * std::pow((1.0 - a) / 0.7, 2.0);
-    const double gs = 1.0 - 0.85 * std::pow((1.0 - s0) / 0.85, 2.0);
-    const double expectedL = (1.0 - l0) * (gl * gs * 0.5) + l0;
-    float h1, s1, l1;
-    rgbToHsl(f->data[0], f->data[1], f->data[2], h1, s1, l1);
-    EXPECT_NEAR(l1, expectedL, 1e-4);
-    EXPECT_NEAR(h1, h0, 1e-3);
-    EXPECT_NEAR(s1, s0, 1e-4);
-
-    // Greys have S 0: every 8-bit grey level stays.
-    ImageModHueBrightness grey;
-    grey.setVersion(2);
-    setCurve(grey, 1, "0 .9 1 .9");
-    FlexImage8 ramp(256, 1, 3);
-    for (int32_t i = 0; i < 256; ++i)
-        ramp.data[3 * i] = ramp.data[3 * i + 1] = ramp.data[3 * i + 2] = uint8_t(i);
-    auto ref = curveTestCopy(ramp);
-    grey.apply(&ramp, nullptr);
-    EXPECT_TRUE(curveTestSame(ramp, *ref));
+    // Stripes: mask 1 on even columns, 0 on odd ones. Masked-out pixels keep their exact values.
+    CurveTestStripeMask stripes;
+    auto ctx = maskContext(&stripes);
+    const std::vector<std::vector<float>> px = {
+        {200.0f, 100.0f, 100.0f}, {200.0f, 100.0f, 100.0f}, {40.0f, 20.0f, 20.0f}, {37.25f, 20.5f, 20.5f}};
+    auto f = curveTestImage<FlexImageFloat>(px);
+    auto b = curveTestImage<FlexImage8>(px);
+    mod.apply(f.get(), &ctx);
+    mod.apply(b.get(), &ctx);
+    EXPECT_NEAR(f->data[0], 217.794604, 2e-3);
+    EXPECT_NEAR(f->data[1], 150.148428, 2e-3);
+    EXPECT_EQ(b->data[0], 217);
+    EXPECT_EQ(b->data[1], 150);
+    EXPECT_NEAR(f->data[6], 53.207590, 2e-3);
+    EXPECT_EQ(b->data[6], 53);
+    for (int32_t i : {1, 3}) {
+        for (int32_t c = 0; c < 3; ++c) {
+            EXPECT_EQ(f->data[3 * i + c], px[size_t(i)][size_t(c)]) << i << "," << c;
+            EXPECT_EQ(b->data[3 * i + c], uint8_t(px[size_t(i)][size_t(c)])) << i << "," << c;
+        }
+    }
+    // Mask 0.5 halves s: W = 0.323539, L' = (7/17) W / 2 + 10/17 = 0.654846.
+    CurveTestMask half(0.5f);
+    auto halfCtx = maskContext(&half);
+    auto hf = curveTestImage<FlexImageFloat>({{200.0f, 100.0f, 100.0f}});
+    auto hb = curveTestImage<FlexImage8>({{200.0f, 100.0f, 100.0f}});
+    mod.apply(hf.get(), &halfCtx);
+    mod.apply(hb.get(), &halfCtx);
+    EXPECT_NEAR(hf->data[0], 208.897302, 2e-3);
+    EXPECT_NEAR(hf->data[1], 125.074214, 2e-3);
+    EXPECT_EQ(hb->data[0], 208);
+    EXPECT_EQ(hb->data[1], 125);
 }
 
 TEST(HueRegionMods, HueExposureVersionAndEightBitSteps)
