@@ -1,0 +1,35 @@
+#include "document/core/HeadlessRender.h"
+
+#include "document/core/GeometryResampling.h"
+#include "document/core/ModSequenceRunner.h"
+#include "mods/GeometryCalculation.h"
+
+void fullOutputSize(int32_t sourceWidth, int32_t sourceHeight, const std::vector<ImageMod*>& mods, int32_t& width,
+                    int32_t& height)
+{
+    const GeometryResult g = computeGeometry(sourceWidth, sourceHeight, mods);
+    width = g.width;
+    height = g.height;
+}
+
+bool renderFullSize(const FlexImageFloat& source, const std::vector<ImageMod*>& mods, FlexImageFloat& destination,
+                    int32_t width, int32_t height)
+{
+    if (source.isEmpty() || &source == &destination)
+        return false;
+    int32_t w = width;
+    int32_t h = height;
+    if (w < 1 || h < 1)
+        fullOutputSize(source.width, source.height, mods, w, h);
+    if (w < 1 || h < 1)
+        return false;
+
+    // Drawn straight into the destination: a full-size copy more would cost as much as a tile.
+    if (destination.channels != source.channels)
+        destination.resize(destination.width, destination.height, source.channels);
+    if (!geometryResample(source, destination, mods, w, h, true))
+        return false;
+    ModSequenceRunner runner(false, false, 256, 0.5f);
+    runner.run(mods, &destination, nullptr, -1, 0, nullptr);
+    return true;
+}

@@ -1,0 +1,160 @@
+#pragma once
+#include "core/ImageMod.h"
+#include "core/ImageModSelector.h"
+#include "core/ParallelFor.h"
+
+#include <array>
+#include <atomic>
+#include <functional>
+
+// Counts its applies per "Id" in a table shared by all clones, and adds "Amount" (times the mask)
+// to every colour sample, so a stage that runs or doesn't shows in both the count and the pixels.
+class TestCountMod : public ImageMod {
+public:
+    static std::array<std::atomic<int>, 32>& counts()
+    {
+        static std::array<std::atomic<int>, 32> table{};
+        return table;
+    }
+    static std::array<std::atomic<int>, 32>& analyses()
+    {
+        static std::array<std::atomic<int>, 32> table{};
+        return table;
+    }
+    static void resetCounts()
+    {
+        for (auto& c : counts())
+            c.store(0);
+        for (auto& c : analyses())
+            c.store(0);
+    }
+
+    explicit TestCountMod(int32_t id = 0, float add = 1.0f) : ImageMod("Test Count", "")
+    {
+        addFloat("Amount", add, -255.0f, 255.0f);
+        addFloat("Id", float(id), 0.0f, 31.0f);
+    }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestCountMod>(); }
+    int32_t id() const { return int32_t(floatValue(1)); }
+    void setAmount(float v) { variableAt(0)->setFloatValue(v); }
+
+    void analyze(FlexImageFloat*, const ImageModApplyContext*) override { analyses()[size_t(id())]++; }
+    void analyze(FlexImage8*, const ImageModApplyContext*) override { analyses()[size_t(id())]++; }
+    void apply(FlexImageFloat* image, const ImageModApplyContext* context) override { addTo(image, context); }
+    void apply(FlexImage8* image, const ImageModApplyContext* context) override { addTo(image, context); }
+
+private:
+    template <typename Sample>
+    void addTo(FlexImageT<Sample>* image, const ImageModApplyContext* context)
+    {
+        counts()[size_t(id())]++;
+        const float add = floatValue(0);
+        const ImageModSelector* selector = context ? context->selector : nullptr;
+        const int32_t w = image->width;
+        const int32_t ch = image->channels;
+        const int32_t cc = image->colorChannels;
+        parallelFor(image->height, [=](int32_t y) {
+            Sample* p = image->row(y);
+            for (int32_t x = 0; x < w; ++x, p += ch) {
+                const float a = selector ? add * selector->maskValue(image, x, y, nullptr) : add;
+                for (int32_t c = 0; c < cc; ++c) {
+                    float v = float(p[c]) + a;
+                    if constexpr (sizeof(Sample) == 1) {
+                        v = v > 255.0f ? 255.0f : v;
+                        v = v < 0.0f ? 0.0f : v;
+                    }
+                    p[c] = Sample(v);
+                }
+            }
+        });
+    }
+};
+
+// Needs analysis, and remembers the size and scale of the last image analysed.
+class TestAnalysisMod : public TestCountMod {
+public:
+    explicit TestAnalysisMod(int32_t id = 0) : TestCountMod(id, 0.0f) { name = "Test Analysis"; }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestAnalysisMod>(); }
+    bool needsAnalysis() const override { return true; }
+    void analyze(FlexImageFloat* image, const ImageModApplyContext* context) override
+    {
+        lastWidth().store(image->width);
+        lastHeight().store(image->height);
+        lastScale().store(image->scale);
+        lastHadFrame().store(context && context->referenceFrame);
+        TestCountMod::analyze(image, context);
+    }
+    static std::atomic<int>& lastWidth()
+    {
+        static std::atomic<int> v{0};
+        return v;
+    }
+    static std::atomic<int>& lastHeight()
+    {
+        static std::atomic<int> v{0};
+        return v;
+    }
+    static std::atomic<float>& lastScale()
+    {
+        static std::atomic<float> v{0};
+        return v;
+    }
+    static std::atomic<bool>& lastHadFrame()
+    {
+        static std::atomic<bool> v{false};
+        return v;
+    }
+};
+
+// A border-family tile (kind 1) with a width that changes its equality.
+class TestBorderMod : public ImageMod {
+public:
+    TestBorderMod() : ImageMod("Test Border", "") { addFloat("Width", 1.0f, 0.0f, 100.0f); }
+    int32_t kind() const override { return 1; }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestBorderMod>(); }
+};
+
+// Calls a hook from its apply: lets a test act in the middle of a run.
+class TestHookMod : public ImageMod {
+public:
+    TestHookMod() : ImageMod("Test Hook", "") {}
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestHookMod>(); }
+    void copyFrom(const ImageMod& other) override
+    {
+        ImageMod::copyFrom(other);
+        if (auto* h = dynamic_cast<const TestHookMod*>(&other))
+            hook = h->hook;
+    }
+    void apply(FlexImageFloat*, const ImageModApplyContext*) override
+    {
+        if (hook)
+            hook();
+    }
+    std::function<void()> hook;
+};
+
+class TestConstMask : public ImageModSelector {
+public:
+    explicit TestConstMask(float v = 1.0f) : ImageModSelector("Test Const Mask")
+    {
+        addFloat("Value", v, 0.0f, 1.0f);
+    }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestConstMask>(); }
+    float maskValue(const FlexImageFloat*, int32_t, int32_t, const ReferenceFrame*) const override
+    {
+        return floatValue(0);
+    }
+    float maskValue(const FlexImage8*, int32_t, int32_t, const ReferenceFrame*) const override
+    {
+        return floatValue(0);
+    }
+};
+
+template <typename Image>
+void fillGradient(Image& img)
+{
+    for (int32_t y = 0; y < img.height; ++y)
+        for (int32_t x = 0; x < img.width; ++x)
+            for (int32_t c = 0; c < img.channels; ++c)
+                img.row(y)[x * img.channels + c] = typename Image::SampleType((x * 3 + y * 5 + c * 40) % 180);
+}
