@@ -171,11 +171,7 @@ std::unique_ptr<ImageMod> readMod(const XmlNode& element, ReadContext& ctx)
         mod = group->newInstance();
     }
     if (!mod && !group) {
-        const ImageMod* match = nullptr;
-        for (const auto& c : ctx.catalogue) {
-            if (c && c->name == name)
-                match = c.get();
-        }
+        const ImageMod* match = findInCatalogue(ctx.catalogue, name);
         if (match && ctx.made < kMaxModsPerFile) {
             ++ctx.made;
             mod = match->newInstance();

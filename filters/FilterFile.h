@@ -1,4 +1,5 @@
 #pragma once
+#include "core/ModCatalogue.h"
 #include "filters/XmlNode.h"
 
 #include <cstdint>
@@ -22,8 +23,7 @@ enum FilterReadStatus : int32_t {
 
 using ModList = std::vector<std::unique_ptr<ImageMod>>;
 
-// The catalogue of factory instances that names in files are looked up in; the last match wins.
-using ModCatalogue = std::vector<std::unique_ptr<ImageMod>>;
+// Names in files are looked up in a ModCatalogue (core/ModCatalogue.h); the last match wins.
 
 // Builds the document for the list: a root "file" holding one "filter" element.
 XmlNode filterToXml(const std::vector<const ImageMod*>& mods);
