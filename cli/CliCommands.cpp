@@ -521,8 +521,12 @@ int commandPresets(const std::vector<std::string>& args, std::ostream& out, std:
     }
     const PresetLibrary library(source.libraryFolder());
     for (const std::string& group : library.groups())
-        for (const std::string& name : library.presetsIn(group))
+        for (std::string name : library.presetsIn(group)) {
+            const std::string suffix = std::string(".") + kFilterExtension;
+            if (name.size() > suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0)
+                name.erase(name.size() - suffix.size());
             out << group << "/" << name << "\n";
+        }
     return kCliOk;
 }
 
