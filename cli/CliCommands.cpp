@@ -456,7 +456,11 @@ int commandInfo(const std::vector<std::string>& args, std::ostream& out, std::os
         const std::string make = propertyOf(p, { "Exif.Image.Make" });
         const std::string model = propertyOf(p, { "Exif.Image.Model" });
         out << path << "\n"
-            << "  size: " << d.bitmap.width << " x " << d.bitmap.height << "\n"
+            << "  size: " << d.bitmap.width << " x " << d.bitmap.height
+            << (std::max(d.orientation, mediaPropertiesOrientation(p)) >= 5
+                    ? " stored, " + std::to_string(d.bitmap.height) + " x " + std::to_string(d.bitmap.width) + " upright"
+                    : std::string())
+            << "\n"
             << "  format: " << d.formatName << "\n"
             << "  bits per component: " << d.bitmap.bitsPerComponent << (d.sourceIsRgb ? "" : " (converted to RGB)")
             << "\n"
