@@ -12,6 +12,8 @@
 #include "mods/ImageModAdvancedContrast.h"
 #include "mods/ImageModAutoEnhance.h"
 #include "mods/ImageModBlur.h"
+#include "mods/ImageModBorderFillout.h"
+#include "mods/ImageModBorderPlain.h"
 #include "mods/ImageModBrightness.h"
 #include "mods/ImageModColorizeCurve.h"
 #include "mods/ImageModComponentCurve.h"
@@ -51,8 +53,7 @@
 
 // Tiles of the panel tables whose classes the program doesn't have yet; their rows join as the
 // classes arrive, never as stand-ins:
-//   Borders:        ImageModBorderPlain (rounded, straight), ImageModBorderFillout,
-//                   ImageModBorderFileCustom, the fourteen ImageModBorderFile
+//   Borders:        ImageModBorderFileCustom, the fourteen ImageModBorderFile
 //   Utility:        ImageModTextOverlay, ImageModImageOverlay, ImageModStuckPixel,
 //                   ImageModAspectRatio, ImageModExactSize, ImageModConstrainSize
 //   Unlisted:       ImageModCrop
@@ -157,8 +158,16 @@ const ModCatalogueRow kMasks[] = {
         make<ImageModLuminanceSelector> },
 };
 
+constexpr const char* kBasicBorderTip = "A basic border of any color, with adjustable width dependent on the size "
+                                        "of the image and optional rounding.";
+
 const ModCatalogueRow kBorders[] = {
-    { nullptr, nullptr, 0, nullptr, nullptr },
+    { "Custom Rounded", "Basic Border", 1, kBasicBorderTip,
+        [] { return std::unique_ptr<ImageMod>(std::make_unique<ImageModBorderPlain>(true)); } },
+    { "Custom Straight", "Basic Border", 1, kBasicBorderTip,
+        [] { return std::unique_ptr<ImageMod>(std::make_unique<ImageModBorderPlain>(false)); } },
+    { "Fill Out", "Fill Border", 1, "A border of any color that adds bars to the image to make it the desired aspect ratio.",
+        make<ImageModBorderFillout> },
 };
 
 const ModCatalogueRow kUtility[] = {
