@@ -136,6 +136,7 @@ float MVSlider::clamped(float v) const
 
 void MVSlider::setValueFromX(float x)
 {
+    layoutParts();
     const float span = trackRight - trackLeft;
     float t = span > 0.0f ? (x - 1.0f - trackLeft) / span : 0.0f;
     t = std::clamp(t, 0.0f, 1.0f);
@@ -163,6 +164,8 @@ void MVSlider::recentre()
 
 void MVSlider::repositionHandle()
 {
+    // A hidden widget gets its resize event only when shown, so the track is measured here too.
+    layoutParts();
     const float span = displayMax - displayMin;
     float t = span != 0.0f ? (currentValue - displayMin) / span : 0.0f;
     t = std::clamp(t, 0.0f, 1.0f);

@@ -24,7 +24,6 @@ ToneCurveWidget::ToneCurveWidget(QWidget* parent) : QWidget(parent), ownCurve(0)
     scrollFinishTimer.setInterval(1000);
     connect(&scrollFinishTimer, &QTimer::timeout, this, &ToneCurveWidget::scrollFinishTimerFired);
     resize(200, 210);
-    layoutGraph();
 }
 
 void ToneCurveWidget::setCurveData(ImageModVariableDataCurve* data)
@@ -52,30 +51,20 @@ void ToneCurveWidget::setTint(const QColor& c)
     update();
 }
 
-void ToneCurveWidget::layoutGraph()
-{
-    graphWidth = std::max(1.0f, float(width()) - 2.0f * margin);
-    graphHeight = std::max(1.0f, float(height()) - 2.0f * margin - barHeight - 4.0f);
-}
-
-void ToneCurveWidget::resizeEvent(QResizeEvent*)
-{
-    layoutGraph();
-}
 
 QPointF ToneCurveWidget::unitFromPixel(QPointF p) const
 {
-    return QPointF((float(p.x()) - margin) / graphWidth, (margin - float(p.y()) + graphHeight) / graphHeight);
+    return QPointF((float(p.x()) - margin) / graphWidth(), (margin - float(p.y()) + graphHeight()) / graphHeight());
 }
 
 QPointF ToneCurveWidget::pixelFromUnit(float x, float y) const
 {
-    return QPointF(margin + x * graphWidth, margin + graphHeight - y * graphHeight);
+    return QPointF(margin + x * graphWidth(), margin + graphHeight() - y * graphHeight());
 }
 
 QRectF ToneCurveWidget::hueStripRect() const
 {
-    return QRectF(margin, margin + graphHeight + 4.0f, graphWidth, barHeight);
+    return QRectF(margin, margin + graphHeight() + 4.0f, graphWidth(), barHeight);
 }
 
 bool ToneCurveWidget::updateHover(QPointF unit)
@@ -146,7 +135,7 @@ void ToneCurveWidget::mouseMoveEvent(QMouseEvent* event)
 {
     const QPointF u = unitFromPixel(event->localPos());
     if (scrollingHue) {
-        const float half = graphWidth / 2.0f;
+        const float half = graphWidth() / 2.0f;
         setHueFromT((float(event->localPos().x()) - 10.0f - half) / half);
         return;
     }
@@ -305,7 +294,7 @@ void ToneCurveWidget::paintEvent(QPaintEvent*)
     QPainter g(this);
     g.setRenderHint(QPainter::Antialiasing);
     g.fillRect(rect(), QColor(44, 44, 44));
-    const QRectF graph(margin, margin, graphWidth, graphHeight);
+    const QRectF graph(margin, margin, graphWidth(), graphHeight());
 
     QLinearGradient back(graph.topLeft(), graph.bottomLeft());
     back.setColorAt(0, QColor(70, 70, 70));
@@ -314,8 +303,8 @@ void ToneCurveWidget::paintEvent(QPaintEvent*)
 
     g.setPen(QPen(QColor(0, 0, 0, 50), 1));
     for (int k = 1; k < 4; ++k) {
-        const float x = std::round(margin + graphWidth * float(k) * 0.25f) + 0.5f;
-        const float y = std::round(margin + graphHeight * float(k) * 0.25f) + 0.5f;
+        const float x = std::round(margin + graphWidth() * float(k) * 0.25f) + 0.5f;
+        const float y = std::round(margin + graphHeight() * float(k) * 0.25f) + 0.5f;
         g.drawLine(QPointF(x, graph.top()), QPointF(x, graph.bottom()));
         g.drawLine(QPointF(graph.left(), y), QPointF(graph.right(), y));
     }
@@ -349,7 +338,7 @@ void ToneCurveWidget::paintEvent(QPaintEvent*)
     g.save();
     g.setClipRect(graph.adjusted(-1, -1, 1, 1));
     QPainterPath path;
-    const int columns = std::max(2, int(graphWidth) + 1);
+    const int columns = std::max(2, int(graphWidth()) + 1);
     for (int c = 0; c < columns; ++c) {
         const float x = float(c) / float(columns - 1);
         const QPointF p = pixelFromUnit(x, editedCurve->lookup(x));

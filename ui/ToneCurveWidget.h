@@ -5,6 +5,7 @@
 #include <QtGui/QColor>
 #include <QtWidgets/QWidget>
 
+#include <algorithm>
 #include <cstdint>
 
 class ImageModVariableDataCurve;
@@ -49,7 +50,6 @@ public slots:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -58,7 +58,9 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void layoutGraph();
+    // Measured from the current size: a hidden widget gets no resize event.
+    float graphWidth() const { return std::max(1.0f, float(width()) - 2.0f * margin); }
+    float graphHeight() const { return std::max(1.0f, float(height()) - 2.0f * margin - barHeight - 4.0f); }
     bool updateHover(QPointF unit);
     void dragTo(QPointF unit);
     void removePointAt(int32_t i);
@@ -73,8 +75,6 @@ private:
     int32_t mode = 0;
     QColor tint = QColor(230, 70, 60);
     float margin = 8.0f;
-    float graphWidth = 1.0f;
-    float graphHeight = 1.0f;
     float barHeight = 10.0f;
     QPointF lastPos;
     float dragOffsetX = 0.0f;
