@@ -4,7 +4,7 @@
 #include <QtCore/QPointer>
 #include <QtCore/QStringList>
 
-class MVListChooserList;
+#include "ui/MVListChooserList.h"
 
 // A button that shows the current row of a list and opens the list to pick another.
 class MVListChooser : public MVPushButton {

@@ -9,6 +9,9 @@ MVPushButton::MVPushButton(const QString& text, QWidget* parent) : QPushButton(t
 {
     setFlat(true);
     setFocusPolicy(Qt::NoFocus);
+    QFont f = font();
+    f.setPixelSize(11);
+    setFont(f);
     resize(90, 22);
 }
 
