@@ -154,15 +154,15 @@ struct ReadLayout {
     bool grey = false;
 };
 
-ReadLayout readLayoutOf(const OIIO::ImageSpec& spec)
+ReadLayout readLayoutOf(const OIIO::ImageSpec& imageSpec)
 {
     ReadLayout l;
-    l.fileChannels = spec.nchannels;
-    l.alphaChannel = spec.alpha_channel;
-    auto name = [&](int i) { return i < int(spec.channelnames.size()) ? spec.channelnames[i] : std::string(); };
-    if (spec.nchannels >= 4 && name(0) == "C" && name(1) == "M" && name(2) == "Y" && name(3) == "K")
+    l.fileChannels = imageSpec.nchannels;
+    l.alphaChannel = imageSpec.alpha_channel;
+    auto name = [&](int i) { return i < int(imageSpec.channelnames.size()) ? imageSpec.channelnames[i] : std::string(); };
+    if (imageSpec.nchannels >= 4 && name(0) == "C" && name(1) == "M" && name(2) == "Y" && name(3) == "K")
         l.cmyk = true;
-    else if (spec.nchannels <= 2)
+    else if (imageSpec.nchannels <= 2)
         l.grey = true;
     return l;
 }
@@ -249,30 +249,30 @@ MediaCodecStatus decodePixels(const std::string& path, MediaDecoded& out)
         OIIO::geterror(); // clear the thread's message
         return MediaCodecStatus::CantOpen;
     }
-    const OIIO::ImageSpec spec = in->spec();
+    const OIIO::ImageSpec imageSpec = in->spec();
     out.formatName = in->format_name();
-    const int32_t w = spec.width, h = spec.height;
-    if (w < 1 || h < 1 || spec.nchannels < 1 || spec.depth > 1) {
+    const int32_t w = imageSpec.width, h = imageSpec.height;
+    if (w < 1 || h < 1 || imageSpec.nchannels < 1 || imageSpec.depth > 1) {
         in->close();
         return MediaCodecStatus::CantOpen;
     }
     // Refuse what the float copy could not address, before any pixel buffer exists.
-    if (!FlexImageFloat::sizeFits(w, h, 4) || int64_t(w) * h * spec.nchannels > int64_t(0x7fffffff)) {
+    if (!FlexImageFloat::sizeFits(w, h, 4) || int64_t(w) * h * imageSpec.nchannels > int64_t(0x7fffffff)) {
         in->close();
         return MediaCodecStatus::TooLarge;
     }
-    if (const OIIO::ParamValue* icc = spec.find_attribute("ICCProfile")) {
+    if (const OIIO::ParamValue* icc = imageSpec.find_attribute("ICCProfile")) {
         const uint8_t* bytes = static_cast<const uint8_t*>(icc->data());
         out.iccProfile.assign(bytes, bytes + icc->type().size() * size_t(icc->nvalues()));
         out.profileName = profileDescription(out.iccProfile);
     }
-    const ReadLayout layout = readLayoutOf(spec);
-    const bool unassociated = spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
-    const OIIO::TypeDesc::BASETYPE base = OIIO::TypeDesc::BASETYPE(spec.format.basetype);
+    const ReadLayout layout = readLayoutOf(imageSpec);
+    const bool unassociated = imageSpec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+    const OIIO::TypeDesc::BASETYPE base = OIIO::TypeDesc::BASETYPE(imageSpec.format.basetype);
     const bool isFloat = base == OIIO::TypeDesc::HALF || base == OIIO::TypeDesc::FLOAT || base == OIIO::TypeDesc::DOUBLE;
     const bool rawFile = out.formatName == "raw";
-    const bool wide = rawFile || (!isFloat && spec.format.size() > 1);
-    const int32_t c = spec.nchannels;
+    const bool wide = rawFile || (!isFloat && imageSpec.format.size() > 1);
+    const int32_t c = imageSpec.nchannels;
 
     if (layout.grey || layout.cmyk || isFloat) {
         std::vector<float> pixels(size_t(w) * size_t(h) * size_t(c));
@@ -287,7 +287,7 @@ MediaCodecStatus decodePixels(const std::string& path, MediaDecoded& out)
             return redrawToRgb8(pixels, w, h, layout, out.bitmap) ? MediaCodecStatus::Ok : MediaCodecStatus::ReadFailed;
         }
         const bool hasAlpha = c >= 4 && layout.alphaChannel == 3;
-        const std::string space = spec.get_string_attribute("oiio:ColorSpace");
+        const std::string space = imageSpec.get_string_attribute("oiio:ColorSpace");
         const bool linear = out.formatName == "openexr" || out.formatName == "hdr"
             || !(space == "sRGB" || space == "srgb");
         return floatToRgb16(pixels, w, h, c, hasAlpha, hasAlpha && !unassociated, linear, out.bitmap)
@@ -464,20 +464,20 @@ bool writePixels(const MediaEncodeRequest& req, const std::string& tmp)
     }
     const int32_t fileChannels = (img.channels == 4 && !out->supports("alpha")) ? 3 : img.channels;
     const OIIO::TypeDesc type = img.is16Bit ? OIIO::TypeDesc::UINT16 : OIIO::TypeDesc::UINT8;
-    OIIO::ImageSpec spec(img.width, img.height, fileChannels, type);
+    OIIO::ImageSpec imageSpec(img.width, img.height, fileChannels, type);
     // Alpha is declared associated although the samples are not, as the program always has: a PNG
     // writer divides translucent colours by alpha on the way out. Opaque pixels are unaffected.
     if (fileChannels == 4)
-        spec.alpha_channel = 3;
+        imageSpec.alpha_channel = 3;
     const int quality = int(std::lround(std::clamp(req.quality, 0.0f, 100.0f)));
-    spec.attribute("CompressionQuality", std::max(quality, 1));
+    imageSpec.attribute("CompressionQuality", std::max(quality, 1));
     if (mediaPathExtension(req.path) == "jpg" || mediaPathExtension(req.path) == "jpeg")
-        spec.attribute("Compression", "jpeg:" + std::to_string(std::max(quality, 1)));
+        imageSpec.attribute("Compression", "jpeg:" + std::to_string(std::max(quality, 1)));
     if (!req.iccProfile.empty() && isRgbIccProfile(req.iccProfile) && !profileGoesThroughExiv2(req.path))
-        spec.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, int(req.iccProfile.size())),
+        imageSpec.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, int(req.iccProfile.size())),
                        req.iccProfile.data());
     const OIIO::stride_t xstride = OIIO::stride_t(img.channels * img.bytesPerSample());
-    bool ok = out->open(tmp, spec) && out->write_image(type, img.data, xstride);
+    bool ok = out->open(tmp, imageSpec) && out->write_image(type, img.data, xstride);
     ok = out->close() && ok;
     if (!ok)
         OIIO::geterror();

@@ -8,10 +8,10 @@ bool probeMediaSize(const std::string& path, int32_t& width, int32_t& height, in
         auto in = OIIO::ImageInput::open(path);
         if (!in)
             return false;
-        const OIIO::ImageSpec& spec = in->spec();
-        width = spec.width;
-        height = spec.height;
-        channels = spec.nchannels;
+        const OIIO::ImageSpec& imageSpec = in->spec();
+        width = imageSpec.width;
+        height = imageSpec.height;
+        channels = imageSpec.nchannels;
         in->close();
         return width > 0 && height > 0;
     } catch (...) {
