@@ -8,7 +8,7 @@ bool probeMediaSize(const std::string& path, int32_t& width, int32_t& height, in
         auto in = OIIO::ImageInput::open(path);
         if (!in)
             return false;
-        const OIIO::ImageSpec& imageSpec = in->spec();
+        const OIIO::ImageSpec imageSpec = in->spec_dimensions(0);
         width = imageSpec.width;
         height = imageSpec.height;
         channels = imageSpec.nchannels;
