@@ -10,6 +10,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>
+#include <QtCore/QFileInfo>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
@@ -119,7 +120,7 @@ int main(int argc, char** argv)
         QString label = "Original";
         if (row > 0) {
             const QString path = presets[row - 1];
-            label = QDir(folder).relativeFilePath(path);
+            label = QDir(QDir(folder).absolutePath()).relativeFilePath(QFileInfo(path).absoluteFilePath());
             label.chop(4);
             int32_t status = -1;
             mods = readFilter(path.toStdString(), catalogue.mods, status);
