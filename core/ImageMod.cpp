@@ -5,6 +5,7 @@
 #include "core/ImageModVarAnimatorCurve.h"
 #include "core/ImageModVarAnimatorFloat.h"
 #include "core/ImageModVariableDataBoundary.h"
+#include "core/ImageModVariableDataButton.h"
 #include "core/ImageModVariableDataChoice.h"
 #include "core/ImageModVariableDataColor.h"
 #include "core/ImageModVariableDataCurve.h"
@@ -124,6 +125,19 @@ void ImageMod::setFrame(int32_t frame)
         a->apply(frame);
     for (size_t i = 0; i < variables.size(); ++i)
         variableChanged(int32_t(i));
+}
+
+void ImageMod::pressButton(int32_t index)
+{
+    ImageModVariable* v = variableAt(index);
+    ImageModVariableDataButton* button = v ? v->asButton() : nullptr;
+    if (!button)
+        return;
+    button->pressed = true;
+    variableChanged(index);
+    // variableChanged may have replaced the data; look again before clearing.
+    if (ImageModVariableDataButton* after = v->asButton())
+        after->pressed = false;
 }
 
 ImageModVariable* ImageMod::addVariable(const ImageModVariable& variable)

@@ -78,6 +78,9 @@ public:
     // Runs every animator at frame, then variableChanged for every variable, in order.
     virtual void setFrame(int32_t frame);
     virtual bool consumeRefreshRequest() { return false; }
+    // A press on the button variable at index: variableChanged(index) with the button marked
+    // pressed for the call. Does nothing when the variable isn't a button.
+    void pressButton(int32_t index);
 
     // --- declaration helpers ---
     // Deep-copies the template and appends it; returns the stored record.

@@ -24,4 +24,8 @@ public:
 
     int32_t id = 0;
     std::string storedText;
+    // True only while ImageMod::pressButton delivers a press. variableChanged also runs for a button
+    // when a file is read or a frame is set; those leave this false, so they never act as a press.
+    // Not saved and not compared.
+    bool pressed = false;
 };

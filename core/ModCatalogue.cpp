@@ -10,6 +10,7 @@
 #include "mods/ColorCastMods.h"
 #include "mods/ColorizeCurveMods.h"
 #include "mods/ImageModAdvancedContrast.h"
+#include "mods/ImageModAspectRatio.h"
 #include "mods/ImageModAutoEnhance.h"
 #include "mods/ImageModBlur.h"
 #include "mods/ImageModBorderFillout.h"
@@ -17,10 +18,13 @@
 #include "mods/ImageModBrightness.h"
 #include "mods/ImageModColorizeCurve.h"
 #include "mods/ImageModComponentCurve.h"
+#include "mods/ImageModConstrainSize.h"
 #include "mods/ImageModContrast.h"
 #include "mods/ImageModContrastAndSaturation.h"
+#include "mods/ImageModCrop.h"
 #include "mods/ImageModDiscolor.h"
 #include "mods/ImageModDynamics.h"
+#include "mods/ImageModExactSize.h"
 #include "mods/ImageModExposure.h"
 #include "mods/ImageModExposureCurve.h"
 #include "mods/ImageModGammaLegacy.h"
@@ -45,19 +49,18 @@
 #include "mods/ImageModShadowsMidsHighs.h"
 #include "mods/ImageModSharpen.h"
 #include "mods/ImageModSplitTone.h"
+#include "mods/ImageModStuckPixel.h"
 #include "mods/ImageModToneCurve.h"
 #include "mods/ImageModVignette.h"
 #include "mods/ImageModWhitePoint.h"
+#include "mods/styles/CameraStyles.h"
 
 #include <iterator>
 
 // Tiles of the panel tables whose classes the program doesn't have yet; their rows join as the
 // classes arrive, never as stand-ins:
 //   Borders:        ImageModBorderFileCustom, the fourteen ImageModBorderFile
-//   Utility:        ImageModTextOverlay, ImageModImageOverlay, ImageModStuckPixel,
-//                   ImageModAspectRatio, ImageModExactSize, ImageModConstrainSize
-//   Unlisted:       ImageModCrop
-//   Styles:         all twenty camera looks
+//   Utility:        ImageModTextOverlay, ImageModImageOverlay (the two overlays)
 
 namespace {
 
@@ -171,7 +174,15 @@ const ModCatalogueRow kBorders[] = {
 };
 
 const ModCatalogueRow kUtility[] = {
-    { nullptr, nullptr, 0, nullptr, nullptr },
+    { "Dead Pixel", "Dead Pixel", 2,
+        "Fix a pixel that is stuck or dead on your camera by blending it with surrounding pixels.",
+        make<ImageModStuckPixel> },
+    { "Aspect Ratio", "Aspect Ratio", 1, "Specify the desired final aspect ratio for the output image.",
+        make<ImageModAspectRatio> },
+    { "Output Size Exact", "Exact Size", 1, "Specify exact width and height for the output image.",
+        make<ImageModExactSize> },
+    { "Output Size", "Maximum Size", 2, "Specify width and height constraints for the output image.",
+        make<ImageModConstrainSize> },
 };
 
 const ModCatalogueRow kUnlisted[] = {
@@ -182,6 +193,10 @@ const ModCatalogueRow kUnlisted[] = {
     { "Shadows", "Shadows", 1, "Adjust the brightness of only the darker portions of an image.", make<ImageModShadows> },
     { "Highlights", "Highlights", 1, "Adjust the brightness of only the lighter portions of an image.",
         make<ImageModHighlights> },
+    { "Crop", "Crop", 1,
+        "Crop the image by dragging the edges and corners of the crop indicator. Apply minor rotation/straightening "
+        "using the rotation slider. Cropping will always be applied before any image adjustments or styles.",
+        make<ImageModCrop> },
     { "RGB Curve", "RGB Curve", 1, "Adjust RGB values together using a curve editor.", make<ImageModRGBCombinedCurve> },
     { "Curves", "Luminance Curve", 1, "Adjust luminance using a curve editor.", make<ImageModLuminanceCurve> },
     { "Noise", "Grain", 1, "Apply film grain.", make<ImageModNoise> },
@@ -218,10 +233,6 @@ const ModCatalogueRow kUnlisted[] = {
     // Not in any panel table, but a class of the program: files that hold it must load.
     { "Lab Curves", "L,a,b Curves", 1, "Adjust separate curves for lightness and the a and b color components.",
         make<ImageModLabCurves> },
-};
-
-const ModCatalogueRow kStyles[] = {
-    { nullptr, nullptr, 0, nullptr, nullptr },
 };
 
 // Label, version and tool tip come from the row where the class leaves them open; the version
@@ -281,7 +292,8 @@ ModCatalogue buildMasksSection() { return buildRows(kMasks); }
 ModCatalogue buildBordersSection() { return buildRows(kBorders); }
 ModCatalogue buildUtilitySection() { return buildRows(kUtility); }
 ModCatalogue buildUnlistedMods() { return buildRows(kUnlisted); }
-ModCatalogue buildCameraStyles() { return buildRows(kStyles); }
+// The styles carry their names, tool tips and versions themselves, in panel order.
+ModCatalogue buildCameraStyles() { return buildStyleSection(); }
 
 const std::vector<ModCatalogueSectionInfo>& modCatalogueSections()
 {
@@ -309,7 +321,6 @@ const std::vector<ModCatalogueRow>& modCatalogueRows()
         appendRows(out, kBorders);
         appendRows(out, kUtility);
         appendRows(out, kUnlisted);
-        appendRows(out, kStyles);
         return out;
     }();
     return rows;

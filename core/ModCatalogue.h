@@ -45,7 +45,8 @@ ModCatalogue buildUnlistedMods();
 // The camera looks (kind 2).
 ModCatalogue buildCameraStyles();
 
-// The rows every builder reads, in catalogue order; each row's class exists in the program.
+// The rows the builders read, in catalogue order up to the end of the unlisted mods; each row's
+// class exists in the program. The camera styles follow them in the catalogue without rows.
 const std::vector<ModCatalogueRow>& modCatalogueRows();
 
 // A built catalogue with the ranges of its parts.

@@ -1,5 +1,7 @@
 #include "core/ModExtraFactories.h"
 
+#include "media/ImageModColorProfile.h"
+#include "mods/ImageModGrainLegacy.h"
 #include "mods/ImageModLUT3D.h"
 
 namespace {
@@ -7,8 +9,10 @@ namespace {
 std::vector<std::unique_ptr<ImageMod>> makeExtraFactories()
 {
     std::vector<std::unique_ptr<ImageMod>> list;
-    list.reserve(2);
+    list.reserve(4);
     list.push_back(std::make_unique<ImageModLUT3D>());
+    list.push_back(std::make_unique<ImageModGrainLegacy>());
+    list.push_back(std::make_unique<ImageModColorProfile>());
     return list;
 }
 

@@ -1,5 +1,6 @@
 #include "mods/ImageModWhitePoint.h"
 
+#include "core/ImageModVariableDataButton.h"
 #include "core/ImageModVariableDataColor.h"
 #include "mods/ColorSteps.h"
 
@@ -57,7 +58,11 @@ std::unique_ptr<ImageMod> ImageModWhitePoint::newInstance() const
 
 void ImageModWhitePoint::variableChanged(int32_t index)
 {
-    if (index != kReset)
+    // Only a real press resets: a loaded file or a new frame notifies the button too, and must
+    // keep the picked colour.
+    ImageModVariable* button = index == kReset ? variableAt(kReset) : nullptr;
+    ImageModVariableDataButton* data = button ? button->asButton() : nullptr;
+    if (!data || !data->pressed)
         return;
     ImageModVariable* v = variableAt(kNeutralColor);
     if (ImageModVariableDataColor* c = v ? v->asColor() : nullptr) {

@@ -1,7 +1,9 @@
 #include "core/ImageModCompound.h"
 #include "core/ModCatalogue.h"
 #include "mods/ImageModContrast.h"
+#include "mods/ImageModCrop.h"
 #include "mods/ImageModSaturation.h"
+#include "mods/ImageModSize2.h"
 
 #include <gtest/gtest.h>
 
@@ -29,7 +31,9 @@ TEST(ModCatalogue, SectionsStandInPanelOrderWithTheirIcons)
     EXPECT_EQ(c.unlisted.first, next);
     EXPECT_EQ(c.styles.first, next + c.unlisted.count);
     EXPECT_EQ(c.styles.first + c.styles.count, c.mods.size());
-    EXPECT_EQ(c.mods.size(), modCatalogueRows().size());
+    // The rows end where the styles begin; the styles describe themselves.
+    EXPECT_EQ(c.styles.first, modCatalogueRows().size());
+    EXPECT_EQ(c.styles.count, 20u);
 }
 
 TEST(ModCatalogue, NamesAreUniqueWithinEachSectionAndAcrossTheWhole)
@@ -54,7 +58,7 @@ TEST(ModCatalogue, EveryInstanceCarriesItsRow)
 {
     const ModCatalogueContents c = buildModCatalogue();
     const auto& rows = modCatalogueRows();
-    ASSERT_EQ(rows.size(), c.mods.size());
+    ASSERT_EQ(rows.size(), c.styles.first);
     for (size_t i = 0; i < rows.size(); ++i) {
         const ImageMod& mod = *c.mods[i];
         EXPECT_EQ(mod.name, rows[i].name);
@@ -216,4 +220,81 @@ TEST(ModCatalogue, TilesOutsideThePanelAreFoundAfterTheCatalogue)
     own.push_back(std::make_unique<ImageModSaturation>());
     own.back()->name = "LUT";
     EXPECT_EQ(findInCatalogue(own, "LUT"), own.back().get());
+}
+
+TEST(ModCatalogue, UtilityHoldsTheDeadPixelAndSizeTilesAndCropIsUnlisted)
+{
+    const ModCatalogueContents c = buildModCatalogue();
+    std::vector<std::string> utility;
+    for (const ImageMod* m : c.modsIn(c.sections[6]))
+        utility.push_back(m->name);
+    const std::vector<std::string> expected { "Dead Pixel", "Aspect Ratio", "Output Size Exact", "Output Size" };
+    EXPECT_EQ(utility, expected);
+    // The size tiles carry the tag the driver looks for; the dead pixel fix doesn't.
+    const auto tiles = c.modsIn(c.sections[6]);
+    EXPECT_FALSE(modHasTag(*tiles[0], kTagSize));
+    for (size_t i = 1; i < tiles.size(); ++i)
+        EXPECT_TRUE(modHasTag(*tiles[i], kTagSize)) << tiles[i]->name;
+
+    const ImageMod* crop = findInCatalogue(c.mods, "Crop");
+    ASSERT_NE(crop, nullptr);
+    EXPECT_NE(dynamic_cast<const ImageModCrop*>(crop), nullptr);
+    EXPECT_TRUE(modHasTag(*crop, kTagCrop));
+    const auto unlisted = c.modsIn(c.unlisted);
+    EXPECT_NE(std::find(unlisted.begin(), unlisted.end(), crop), unlisted.end());
+    EXPECT_EQ(unlisted[3], crop); // after Highlights, as the table lists it
+}
+
+TEST(ModCatalogue, TheStylesCloseTheCatalogueInPanelOrderWithTheirTips)
+{
+    struct Style {
+        const char* name;
+        int32_t version;
+        const char* tip;
+    };
+    const Style styles[] = {
+        { "1958", 2, "Those nostalgic maroon hues from Christmases decked with cowboy hats and BB guns." },
+        { "1962", 4, "Dynamic, high-contrast black and whites from the photojournalism of a bygone era." },
+        { "1974", 3, "Dad's old camera. Faded, tinted, and hip." },
+        { "1983", 3, "Think underground breakdance competition." },
+        { "Autochrome", 3, "One of the first color photo processes from the early 1900s." },
+        { "Colorcross", 2, "Chemical color-swapping straight from the darkroom." },
+        { "Helga", 2, "A toy camera feel with washed-out highlights and old-school vignetting." },
+        { "Instant", 2, "No need to shake this instant-developing film." },
+        { "Italiano", 2, "Shades of coffee for Tuscan landscapes." },
+        { "Lolo", 1, "Colorful, vibrant photos shot from the hip." },
+        { "Magazine", 3, "Rich tones and contrast perfect for glossy pages." },
+        { "Matte", 4, "Not so glossy." },
+        { "Mono", 2, "Smoothly filtered black and white, for those times when less is more." },
+        { "Poolside", 2, "Lazy days of summer made hazier, softer." },
+        { "Silver", 2, "Not color, but not quite monochromatic either." },
+        { "Skater", 3, "Skinned knees and noisy photos." },
+        { "Wedding", 1, "The perfect SLR look for the perfect day." },
+        { "Hipster", 1, "From Brooklyn, with love." },
+        { "Plastic", 1, "The cheapest color camera we could find." },
+        { "Saloon", 1, "Old-timey fun with a white vignette." },
+    };
+    const ModCatalogueContents c = buildModCatalogue();
+    const auto list = c.modsIn(c.styles);
+    ASSERT_EQ(list.size(), std::size(styles));
+    for (size_t i = 0; i < list.size(); ++i) {
+        EXPECT_EQ(list[i]->name, styles[i].name);
+        EXPECT_EQ(list[i]->displayName, std::string(styles[i].name) + " Camera");
+        EXPECT_EQ(list[i]->version, styles[i].version) << styles[i].name;
+        EXPECT_EQ(list[i]->toolTip, styles[i].tip) << styles[i].name;
+        EXPECT_EQ(findInCatalogue(c.mods, styles[i].name), list[i]);
+    }
+}
+
+TEST(ModCatalogue, OldGrainAndTheColourSpaceTileLoadWithoutBeingListed)
+{
+    const ModCatalogueContents c = buildModCatalogue();
+    for (const char* name : { "Grain Legacy", "Color Space" }) {
+        for (const auto& m : c.mods)
+            EXPECT_NE(m->name, name);
+        auto mod = createMod(c.mods, name);
+        ASSERT_NE(mod, nullptr) << name;
+        EXPECT_EQ(mod->name, name);
+        EXPECT_EQ(typeid(*mod), typeid(*findInCatalogue(c.mods, name)));
+    }
 }

@@ -1,3 +1,4 @@
+#include "core/ImageModVariableDataButton.h"
 #include "core/ImageModVariableDataColor.h"
 #include "core/ImageModVariableDataCurve.h"
 #include "mods/CurveSteps.h"
@@ -46,13 +47,18 @@ TEST(WhitePoint, CapsAt255ButLetsFloatGoBelowZero)
     EXPECT_EQ(p8[2], 0);
 }
 
-TEST(WhitePoint, ResetWritesWhite)
+TEST(WhitePoint, OnlyAPressOfResetWritesWhite)
 {
     ImageModWhitePoint wp;
     setColour(wp, 0, 10.0f, 20.0f, 30.0f, 200.0f);
     wp.variableChanged(ImageModWhitePoint::kCurve); // other variables don't reset
-    EXPECT_EQ(wp.colorAt(0)->red, 10.0f);
+    // The notices a file load and a frame change send to the button are not presses.
     wp.variableChanged(ImageModWhitePoint::kReset);
+    wp.setFrame(3);
+    wp.pressButton(ImageModWhitePoint::kCurve); // not a button: nothing
+    EXPECT_EQ(wp.colorAt(0)->red, 10.0f);
+    wp.pressButton(ImageModWhitePoint::kReset);
+    EXPECT_FALSE(wp.variableAt(ImageModWhitePoint::kReset)->asButton()->pressed);
     const ImageModVariableDataColor* c = wp.colorAt(0);
     EXPECT_EQ(c->red, 255.0f);
     EXPECT_EQ(c->green, 255.0f);
