@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <thread>
 #include <vector>
 
 ImageModBlur::ImageModBlur()
@@ -75,62 +77,200 @@ void storeBlurredRow(
     }
 }
 
-// Separable Gaussian or Box: a horizontal pass into a private image, then a vertical pass from
-// it back into the image with the clamp, mix and mask merge.
-template <typename Sample>
-void separableBlur(
-    FlexImageT<Sample>* image, float r, int32_t method, float mix, const ImageModApplyContext* context)
+// Splits [0, count) into a few contiguous chunks, one job each, so that a job allocates its
+// scratch once however finely the pool would otherwise cut the range.
+static void forEachChunk(int32_t count, int32_t perChunkMin, const std::function<void(int32_t, int32_t)>& body)
 {
-    const int32_t reach = blurReach(r);
+    if (count <= 0)
+        return;
+    const int32_t threads = int32_t(std::max(1u, std::thread::hardware_concurrency()));
+    const int32_t chunks = std::clamp(count / std::max(perChunkMin, 1), 1, 4 * threads);
+    parallelFor(chunks, [&](int32_t c) {
+        const int32_t begin = int32_t(int64_t(count) * c / chunks);
+        const int32_t end = int32_t(int64_t(count) * (c + 1) / chunks);
+        if (begin < end)
+            body(begin, end);
+    });
+}
+
+// The two kernels of the separable blur, held once per apply.
+struct LineKernel {
+    std::vector<float> taps;
+    int32_t reach = 0;
+    // Box: a flat run of weight `flat` over |d| < reach, `end` at |d| == reach. Summed as a
+    // running window, O(1) per sample whatever the reach.
+    bool flatRun = false;
+    float flat = 0.0f;
+    float end = 0.0f;
+};
+
+// Convolves `count` samples of stride-`step` lines laid side by side: src holds (2 R + 1 + count
+// - 1) positions of `width` floats each (edge-repeated already), dst receives `count` positions.
+// Horizontal pass: width = channels, positions = pixels. Vertical pass: width = a block of columns,
+// positions = rows. Symmetric taps are paired, so each pair costs one multiply.
+static void convolveLines(const LineKernel& k, const float* src, int32_t width, int32_t count, float* dst)
+{
+    const int32_t reach = k.reach;
+    if (k.flatRun) {
+        // Running window over |d| < reach, per lane, in double so long lines do not drift.
+        constexpr int32_t kLanes = 256;
+        double sum[kLanes];
+        for (int32_t l0 = 0; l0 < width; l0 += kLanes) {
+            const int32_t lanes = std::min(kLanes, width - l0);
+            const float* s = src + l0;
+            float* d = dst + l0;
+            for (int32_t l = 0; l < lanes; ++l)
+                sum[l] = 0.0;
+            for (int32_t i = 1; i < 2 * reach; ++i)
+                for (int32_t l = 0; l < lanes; ++l)
+                    sum[l] += double(s[size_t(i) * size_t(width) + size_t(l)]);
+            const double flat = k.flat;
+            const float end = k.end;
+            for (int32_t p = 0; p < count; ++p) {
+                const float* first = s + size_t(p) * size_t(width);
+                const float* last = first + size_t(2 * reach) * size_t(width);
+                const float* leaving = first + size_t(width);
+                float* out = d + size_t(p) * size_t(width);
+                for (int32_t l = 0; l < lanes; ++l) {
+                    out[l] = float(sum[l] * flat + double(end * (first[l] + last[l])));
+                    sum[l] += double(last[l]) - double(leaving[l]);
+                }
+            }
+        }
+        return;
+    }
+    const float* tap = k.taps.data();
+    // Tiles of the output small enough to stay in L1 while every tap passes over them.
+    constexpr int32_t kTile = 1024;
+    const size_t total = size_t(count) * size_t(width);
+    const size_t step = size_t(width);
+    for (size_t t0 = 0; t0 < total; t0 += kTile) {
+        const size_t len = std::min(size_t(kTile), total - t0);
+        float* out = dst + t0;
+        const float* centre = src + t0 + size_t(reach) * step;
+        const float tc = tap[reach];
+        for (size_t j = 0; j < len; ++j)
+            out[j] = tc * centre[j];
+        for (int32_t i = 0; i < reach; ++i) {
+            const float t = tap[i];
+            const float* lo = src + t0 + size_t(i) * step;
+            const float* hi = src + t0 + size_t(2 * reach - i) * step;
+            for (size_t j = 0; j < len; ++j)
+                out[j] += t * (lo[j] + hi[j]);
+        }
+    }
+}
+
+// Separable Gaussian or Box, in place: each row through a padded scratch row, then blocks of
+// columns through a padded scratch block, the result stored clamped.
+template <typename Sample> void separableInPlace(FlexImageT<Sample>* image, const LineKernel& k)
+{
+    const int32_t reach = k.reach;
     const int32_t w = image->width;
     const int32_t h = image->height;
     const int32_t ch = image->channels;
-    std::vector<float> taps(size_t(2 * reach + 1));
-    if (fillBlurTaps(taps.data(), reach, r, method) <= 0.0f)
-        return;
-    const float* tap = taps.data();
     const int32_t n = w * ch;
 
-    FlexImageT<Sample> horizontal(w, h, ch);
-    parallelForRanges(h, [&](int32_t begin, int32_t end) {
+    forEachChunk(h, 8, [&](int32_t begin, int32_t end) {
         std::vector<float> pad(size_t(w + 2 * reach) * size_t(ch));
-        std::vector<float> acc(static_cast<size_t>(n));
+        std::vector<float> out(static_cast<size_t>(n));
         for (int32_t y = begin; y < end; ++y) {
-            padRow(image->row(y), w, ch, reach, pad.data());
-            std::fill(acc.begin(), acc.end(), 0.0f);
-            float* a = acc.data();
-            for (int32_t i = 0; i <= 2 * reach; ++i) {
-                const float t = tap[i];
-                const float* src = pad.data() + i * ch;
-                for (int32_t k = 0; k < n; ++k)
-                    a[k] += t * src[k];
-            }
-            Sample* out = horizontal.row(y);
-            for (int32_t k = 0; k < n; ++k)
-                out[k] = storeRaw<Sample>(a[k]);
+            Sample* row = image->row(y);
+            padRow(row, w, ch, reach, pad.data());
+            convolveLines(k, pad.data(), ch, w, out.data());
+            for (int32_t i = 0; i < n; ++i)
+                row[i] = storeRaw<Sample>(out[size_t(i)]);
         }
     });
 
-    parallelForRanges(h, [&](int32_t begin, int32_t end) {
-        std::vector<float> acc(static_cast<size_t>(n));
-        for (int32_t y = begin; y < end; ++y) {
-            std::fill(acc.begin(), acc.end(), 0.0f);
-            float* a = acc.data();
-            for (int32_t i = 0; i <= 2 * reach; ++i) {
-                const int32_t sy = std::clamp(y - reach + i, 0, h - 1);
-                const Sample* src = horizontal.row(sy);
-                const float t = tap[i];
-                for (int32_t k = 0; k < n; ++k)
-                    a[k] += t * float(src[k]);
+    // Column blocks of 64 samples: a block's rows stay in cache while every tap passes over them.
+    constexpr int32_t kBlock = 64;
+    const int32_t blocks = (n + kBlock - 1) / kBlock;
+    const int32_t padH = h + 2 * reach;
+    forEachChunk(blocks, 1, [&](int32_t begin, int32_t end) {
+        std::vector<float> column(size_t(padH) * size_t(kBlock));
+        std::vector<float> out(size_t(h) * size_t(kBlock));
+        for (int32_t b = begin; b < end; ++b) {
+            const int32_t k0 = b * kBlock;
+            const int32_t width = std::min(kBlock, n - k0);
+            float* col = column.data();
+            for (int32_t y = 0; y < padH; ++y) {
+                const Sample* src = image->row(std::clamp(y - reach, 0, h - 1)) + k0;
+                float* dst = col + size_t(y) * size_t(width);
+                for (int32_t j = 0; j < width; ++j)
+                    dst[j] = float(src[j]);
             }
-            storeBlurredRow(image, y, a, mix, context);
+            convolveLines(k, col, width, h, out.data());
+            for (int32_t y = 0; y < h; ++y) {
+                Sample* dst = image->row(y) + k0;
+                const float* src = out.data() + size_t(y) * size_t(width);
+                for (int32_t j = 0; j < width; ++j)
+                    dst[j] = storeClamped<Sample>(src[j]);
+            }
         }
     });
 }
 
-// Circle: the flat part of each disc row is summed from a prefix of the padded row, the rim tap
-// by tap; rows at +dy and -dy share weights and are added first. Same weights as the tap-by-tap
-// convolution, far fewer operations at large radii; sums differ only by float rounding.
+// Merges a blurred copy over the image: mix with the original, then the mask.
+template <typename Sample>
+void mergeBlurred(FlexImageT<Sample>* image, const FlexImageT<Sample>& blurred, float mix,
+    const ImageModApplyContext* context)
+{
+    const int32_t w = image->width;
+    const int32_t ch = image->channels;
+    const ImageModSelector* selector = context ? context->selector : nullptr;
+    parallelForRanges(image->height, [&](int32_t begin, int32_t end) {
+        for (int32_t y = begin; y < end; ++y) {
+            Sample* row = image->row(y);
+            const Sample* b = blurred.row(y);
+            if (!selector) {
+                for (int32_t k = 0; k < w * ch; ++k)
+                    row[k] = blendStore<Sample>(float(row[k]), float(b[k]), mix, 1.0f);
+                continue;
+            }
+            for (int32_t x = 0; x < w; ++x) {
+                const float q = maskAt(selector, image, x, y, context);
+                for (int32_t c = 0; c < ch; ++c)
+                    row[x * ch + c] = blendStore<Sample>(float(row[x * ch + c]), float(b[x * ch + c]), mix, q);
+            }
+        }
+    });
+}
+
+// Separable Gaussian or Box. Without mix or mask the image is blurred in place; otherwise a copy
+// is blurred and merged over the original.
+template <typename Sample>
+void separableBlur(
+    FlexImageT<Sample>* image, float r, int32_t method, float mix, const ImageModApplyContext* context)
+{
+    LineKernel k;
+    k.reach = blurReach(r);
+    k.taps.resize(size_t(2 * k.reach + 1));
+    if (fillBlurTaps(k.taps.data(), k.reach, r, method) <= 0.0f)
+        return;
+    if (method == ImageModBlur::Box && k.reach >= 1) {
+        // Every inner tap equal: the window form gives the same weights.
+        k.flatRun = true;
+        k.flat = k.taps[size_t(k.reach)];
+        k.end = k.taps[0];
+        for (int32_t i = 1; i < 2 * k.reach; ++i)
+            k.flatRun = k.flatRun && k.taps[size_t(i)] == k.flat;
+    }
+    const bool merge = mix < 1.0f || (context && context->selector);
+    if (!merge) {
+        separableInPlace(image, k);
+        return;
+    }
+    FlexImageT<Sample> blurred;
+    blurred.copyFrom(*image, true);
+    separableInPlace(&blurred, k);
+    mergeBlurred(image, blurred, mix, context);
+}
+
+// Circle: the flat part of each disc row is a difference of a row prefix, the rim tap by tap.
+// A job keeps a ring of the padded rows (and their prefixes) its disc covers, so each source row
+// is padded and prefixed once per job, not once per disc row. Same weights as the tap-by-tap
+// convolution; sums differ only by float rounding.
 template <typename Sample>
 void circleBlur(FlexImageT<Sample>* image, float r, float mix, const ImageModApplyContext* context)
 {
@@ -140,53 +280,73 @@ void circleBlur(FlexImageT<Sample>* image, float r, float mix, const ImageModApp
     const int32_t ch = image->channels;
     DiscKernel disc;
     disc.build(r - 1.0f, reach);
-    if (!(disc.total > 0.0f))
+    if (!(disc.total > 0.0f) || disc.rows.empty())
         return;
     const float inv = 1.0f / disc.total;
     const int32_t n = w * ch;
-    const int32_t padded = w + 2 * reach;
+    const size_t padLen = size_t(w + 2 * reach) * size_t(ch);
+    const size_t prefixLen = padLen + size_t(ch);
+    const int32_t maxDy = disc.rows.back().dy;
+    const int32_t ring = 2 * maxDy + 1;
 
     FlexImageT<Sample> original;
     original.copyFrom(*image, true);
-    parallelForRanges(h, [&](int32_t begin, int32_t end) {
-        std::vector<float> sum(size_t(padded) * size_t(ch));
-        std::vector<float> other(size_t(padded) * size_t(ch));
-        std::vector<double> prefix(size_t(padded + 1) * size_t(ch));
+    forEachChunk(h, 32, [&](int32_t begin, int32_t end) {
+        std::vector<float> pads(size_t(ring) * padLen);
+        // Double prefix: long rows would otherwise lose the low bits of each span.
+        std::vector<double> prefixes(size_t(ring) * prefixLen);
         std::vector<float> acc(static_cast<size_t>(n));
+        auto slotOf = [&](int32_t v) { return size_t(((v % ring) + ring) % ring); };
+        auto load = [&](int32_t v) {
+            const size_t slot = slotOf(v);
+            float* s = pads.data() + slot * padLen;
+            padRow(original.row(std::clamp(v, 0, h - 1)), w, ch, reach, s);
+            double* q = prefixes.data() + slot * prefixLen;
+            for (int32_t c = 0; c < ch; ++c)
+                q[c] = 0.0;
+            for (size_t k = 0; k < padLen; ++k)
+                q[k + size_t(ch)] = q[k] + double(s[k]);
+        };
+        for (int32_t v = begin - maxDy; v < begin + maxDy; ++v)
+            load(v);
         for (int32_t y = begin; y < end; ++y) {
+            load(y + maxDy);
             std::fill(acc.begin(), acc.end(), 0.0f);
             float* a = acc.data();
             for (const DiscRow& dr : disc.rows) {
-                padRow(original.row(std::clamp(y + dr.dy, 0, h - 1)), w, ch, reach, sum.data());
-                if (dr.dy > 0) {
-                    padRow(original.row(std::clamp(y - dr.dy, 0, h - 1)), w, ch, reach, other.data());
-                    for (size_t k = 0; k < sum.size(); ++k)
-                        sum[k] += other[k];
-                }
-                const float* s = sum.data();
+                const float* below = pads.data() + slotOf(y + dr.dy) * padLen;
+                const double* qBelow = prefixes.data() + slotOf(y + dr.dy) * prefixLen;
+                const float* above = pads.data() + slotOf(y - dr.dy) * padLen;
+                const double* qAbove = prefixes.data() + slotOf(y - dr.dy) * prefixLen;
+                const bool pair = dr.dy > 0;
                 if (dr.span >= 0) {
-                    // Double prefix: long rows would otherwise lose the low bits of each span.
-                    double* q = prefix.data();
-                    for (int32_t c = 0; c < ch; ++c)
-                        q[c] = 0.0;
-                    for (int32_t k = 0; k < padded * ch; ++k)
-                        q[k + ch] = q[k] + double(s[k]);
                     const int32_t hi = (reach + dr.span + 1) * ch;
                     const int32_t lo = (reach - dr.span) * ch;
-                    for (int32_t k = 0; k < n; ++k)
-                        a[k] += float(q[k + hi] - q[k + lo]);
+                    if (pair) {
+                        for (int32_t k = 0; k < n; ++k)
+                            a[k] += float((qBelow[k + hi] - qBelow[k + lo]) + (qAbove[k + hi] - qAbove[k + lo]));
+                    } else {
+                        for (int32_t k = 0; k < n; ++k)
+                            a[k] += float(qBelow[k + hi] - qBelow[k + lo]);
+                    }
                 }
                 for (int32_t e = 0; e < dr.rimCount; ++e) {
                     const DiscRim& rim = disc.rim[size_t(dr.rimBegin + e)];
                     const float wt = rim.weight;
-                    const float* right = s + (reach + rim.dx) * ch;
-                    if (rim.dx == 0) {
+                    const int32_t right = (reach + rim.dx) * ch;
+                    const int32_t left = (reach - rim.dx) * ch;
+                    if (!pair && rim.dx == 0) {
                         for (int32_t k = 0; k < n; ++k)
-                            a[k] += wt * right[k];
+                            a[k] += wt * below[k + right];
+                    } else if (!pair) {
+                        for (int32_t k = 0; k < n; ++k)
+                            a[k] += wt * (below[k + right] + below[k + left]);
+                    } else if (rim.dx == 0) {
+                        for (int32_t k = 0; k < n; ++k)
+                            a[k] += wt * (below[k + right] + above[k + right]);
                     } else {
-                        const float* left = s + (reach - rim.dx) * ch;
                         for (int32_t k = 0; k < n; ++k)
-                            a[k] += wt * (right[k] + left[k]);
+                            a[k] += wt * ((below[k + right] + below[k + left]) + (above[k + right] + above[k + left]));
                     }
                 }
             }

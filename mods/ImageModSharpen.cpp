@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <vector>
 
 ImageModSharpen::ImageModSharpen()
@@ -67,9 +68,13 @@ void applySharpen(const ImageModSharpen& mod, FlexImageT<Sample>* image, const I
     // Every tap but the centre is v, so H = v * (sum of the square) + (centre - v) * c: the square
     // is summed as columns of padded rows, then across. Padded rows are made once per pass.
     const int32_t padW = (w + 2 * reach) * ch;
-    std::vector<float> padded(size_t(padW) * size_t(h));
-    parallelFor(
-        h, [&](int32_t y) { padRow(image->row(y), w, ch, reach, padded.data() + size_t(y) * size_t(padW)); });
+    // Not zero-filled first: every sample is written by the padding pass, in parallel.
+    const std::unique_ptr<float[]> paddedRows(new float[size_t(padW) * size_t(h)]);
+    float* const padded = paddedRows.get();
+    parallelForRanges(h, [&](int32_t begin, int32_t end) {
+        for (int32_t y = begin; y < end; ++y)
+            padRow(image->row(y), w, ch, reach, padded + size_t(y) * size_t(padW));
+    });
     const float centreExtra = centre - v;
     parallelForRanges(h, [&](int32_t begin, int32_t end) {
         std::vector<float> column(static_cast<size_t>(padW));
@@ -79,11 +84,11 @@ void applySharpen(const ImageModSharpen& mod, FlexImageT<Sample>* image, const I
         for (int32_t y = begin; y < end; ++y) {
             std::fill(column.begin(), column.end(), 0.0f);
             for (int32_t i = 0; i < side; ++i) {
-                const float* src = padded.data() + size_t(std::clamp(y - reach + i, 0, h - 1)) * size_t(padW);
+                const float* src = padded + size_t(std::clamp(y - reach + i, 0, h - 1)) * size_t(padW);
                 for (int32_t k = 0; k < padW; ++k)
                     col[k] += src[k];
             }
-            const float* self = padded.data() + size_t(y) * size_t(padW) + reach * ch;
+            const float* self = padded + size_t(y) * size_t(padW) + reach * ch;
             for (int32_t k = 0; k < n; ++k)
                 hp[k] = centreExtra * self[k];
             for (int32_t j = 0; j < side; ++j) {
