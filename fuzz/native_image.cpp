@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         uint32_t h = 0;
         std::memcpy(&w, data + 12, 4);
         std::memcpy(&h, data + 16, 4);
-        if (uint64_t(w) * uint64_t(h) > (uint64_t(1) << 20))
+        if (uint64_t(w) * uint64_t(h) > (uint64_t(1) << 16))
             return 0;
     }
     if (!file.write(data, size))
