@@ -34,7 +34,9 @@ bool FlexImageT<Sample>::sizeFits(int64_t w, int64_t h, int64_t ch)
 {
     if (w < 1 || h < 1 || ch < 1)
         return false;
-    return w * h * ch <= int64_t(0x7fffffff);
+    // Divided rather than multiplied: two 32-bit sizes from a file header overflow 64 bits.
+    constexpr int64_t limit = 0x7fffffff;
+    return w <= limit / h && w * h <= limit / ch;
 }
 
 template <typename Sample>

@@ -39,6 +39,17 @@ bool parseBool(const std::string& text)
     return parseTruncatedInt(t) != 0;
 }
 
+// A damaged tag can leave an attribute whose name or value the writer can't put back as it was
+// read (a stray quote); written, it would garble the entry's tag on the next read.
+bool carriesBack(const XmlNode& e)
+{
+    for (size_t i = 0; i < e.attrNames.size(); ++i) {
+        if (!MultiData::isValidKey(e.attrNames[i]) || e.attrValues[i].find('"') != std::string::npos)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 MultiData::MultiData()
@@ -273,7 +284,7 @@ bool MultiData::readFile(const std::string& path)
     std::vector<XmlNode> kept;
     kept.reserve(loaded.children.size());
     for (XmlNode& e : loaded.children) {
-        if (!isValidKey(e.tag))
+        if (!isValidKey(e.tag) || !carriesBack(e))
             continue;
         if (!e.children.empty() && e.attribute("type") != kTypeStringArray)
             continue;

@@ -34,6 +34,15 @@ TEST(FlexImage, RefusesSizesBeyond31Bits)
     EXPECT_EQ(f.data, nullptr);
     EXPECT_FALSE(FlexImageFloat::sizeFits(46341, 46341, 1));
     EXPECT_TRUE(FlexImageFloat::sizeFits(46340, 46340, 1));
+    // Products beyond 64 bits are refused, not wrapped.
+    EXPECT_FALSE(FlexImageFloat::sizeFits(0xffffffffll, 0xffffffffll, 4));
+    EXPECT_FALSE(FlexImage8::sizeFits(0xffffff00ll, 0xffffffffll, 1));
+    EXPECT_FALSE(FlexImage8::sizeFits(int64_t(1) << 40, int64_t(1) << 40, int64_t(1) << 40));
+    // The edge: exactly 2^31 - 1 samples fits, one more does not.
+    EXPECT_TRUE(FlexImage8::sizeFits(0x7fffffff, 1, 1));
+    EXPECT_FALSE(FlexImage8::sizeFits(0x7fffffff, 1, 2));
+    EXPECT_FALSE(FlexImage8::sizeFits(0x40000000, 2, 1));
+    EXPECT_TRUE(FlexImage8::sizeFits(0x3fffffff, 2, 1));
 }
 
 TEST(FlexImage, CopyChannelRules)

@@ -302,6 +302,29 @@ TEST(MultiData, ForeignAndBrokenFilesGiveAnEmptyOrPartialStore)
     EXPECT_FALSE(d.contains("B"));
 }
 
+// Found by fuzzing: a damaged tag left an attribute value holding a quote. Kept, it was written
+// back as it stood and the next read garbled the entry, so a save and reload lost keys. Such an
+// entry is debris; the whole entries around it stay and the save reads back key for key.
+TEST(MultiData, EntriesWithStrayQuotesAreDroppedSoSavesReadBack)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const std::string path = dir.filePath("p.xml").toStdString();
+    spit(path, std::string("<VantrelPrefs>\n  <DefaultFiltersVersion type=\"float\">4.200000</DefaultFiltersVersion>\n"
+                           "  <WindowGeometry typE=\"string\"\x02" "10 isj type=\"string array\">\n"
+                           "    <Item>Film/Warm Fade.vnf</Item>\n  </WindowGeometry>\n"
+                           "  <Tab type=\"int\">3</Tab>\n</VantrelPrefs>\n"));
+    MultiData d;
+    ASSERT_TRUE(d.readFile(path));
+    EXPECT_EQ(d.keys(), (std::vector<std::string> { "DefaultFiltersVersion", "Tab" }));
+    EXPECT_EQ(d.getInt("Tab", 0), 3);
+    ASSERT_TRUE(d.writeFile(path));
+    MultiData again;
+    ASSERT_TRUE(again.readFile(path));
+    EXPECT_EQ(again.keys(), d.keys());
+    EXPECT_EQ(again.toText(), d.toText());
+}
+
 TEST(MultiData, SavingReplacesTheWholeFileOrNothing)
 {
     QTemporaryDir dir;

@@ -182,6 +182,30 @@ TEST(NativeImageTest, DisplayImageDataIsNotDispatchedButReadsExplicitly)
     EXPECT_EQ(std::memcmp(back.data, img.data, 80), 0);
 }
 
+// Found by fuzzing: the magic alone; the missing size bytes read as 255, so width and height are
+// both 0xffffffff, whose product overflowed the size check. Such a file fails and leaves the
+// destination as it was.
+TEST(NativeImageTest, HeaderCutAfterTheMagicFails)
+{
+    Folder folder;
+    const std::string path = folder.path("cut.vni");
+    writeBytes(path, {0x52, 0x47, 0x42, 0x41, 0x38, 0x58, 0x58, 0x58, 0x58, 0x58, 0x58, 0x58, 0x00});
+    FlexImage8 a(2, 3, 4);
+    a.data[0] = 17;
+    EXPECT_FALSE(ReadNativeImage(path, a));
+    EXPECT_EQ(a.width, 2);
+    EXPECT_EQ(a.height, 3);
+    EXPECT_EQ(a.data[0], 17);
+    FlexImageFloat f;
+    EXPECT_FALSE(ReadNativeImage(path, f));
+    CompactImage c;
+    EXPECT_FALSE(ReadNativeImage(path, c));
+    EXPECT_TRUE(c.isEmpty());
+
+    writeBytes(path, header(0xffffffffu, 0xfffffff0u));
+    EXPECT_FALSE(ReadNativeImage(path, f));
+}
+
 TEST(NativeImageTest, DamagedFilesNeverCrash)
 {
     Folder folder;
