@@ -189,7 +189,8 @@ TEST(ColourModsIdentity, LabelsAmountsAndDefaults)
     EXPECT_EQ(mixer.floatValue(ImageModChannelMixer::rowVariable(1, 1)), 100.0f);
     EXPECT_EQ(mixer.floatValue(ImageModChannelMixer::rowVariable(1, 0)), 0.0f);
 
-    const ImageModVariableDataColor* dark = ImageModSplitTone().colorAt(1);
+    const ImageModSplitTone splitTone;
+    const ImageModVariableDataColor* dark = splitTone.colorAt(1);
     ASSERT_NE(dark, nullptr);
     EXPECT_EQ(dark->green, 24.41f);
 
