@@ -1,7 +1,6 @@
 #include "mods/ColorizeCurveMods.h"
 
 #include "core/ImageModVariableDataColor.h"
-#include "mods/ColorModAnimators.h"
 #include "mods/ColorSteps.h"
 
 #include <cmath>
@@ -14,7 +13,7 @@ ImageModColorizeNoCurve::ImageModColorizeNoCurve() : ImageMod("Colorize Basic", 
     ImageModVariable* color = addColor("Color", 127.0f, 63.0f, 0.0f, 255.0f);
     addFloat("Amount", 0.5f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     addChoice("Color Method", ImageModColorizeCurve::methodLabels(), 0);
-    ::addColorAnimator(*this, color, "0 1 .5 1 360 1 .5 1", 3.0f);
+    addColorAnimator(color, "0 1 .5 1 360 1 .5 1", 3.0f);
     // A constant 1 makes the curve's weight 2 * Amount * (1 - 0.5), that is Amount, everywhere.
     inner.setCurve("0 1 1 1");
 }
@@ -141,9 +140,9 @@ ImageModColorWheels::ImageModColorWheels() : ImageMod("Color Wheels", "")
     ImageModVariable* highs = addColor("Highlights", 255.0f, 255.0f, 255.0f, 0.0f);
     addChoice("Color Method", ImageModColorizeCurve::methodLabels(), 0);
     // The preview turns the three regional wheels at slightly different speeds.
-    ::addColorAnimator(*this, shadows, "0 1 1 .2 360 1 1 .2", 3.0f);
-    ::addColorAnimator(*this, mids, "0 1 1 .2 360 1 1 .2", 2.73f);
-    ::addColorAnimator(*this, highs, "0 1 1 .2 360 1 1 .2", 2.34f);
+    addColorAnimator(shadows, "0 1 1 .2 360 1 1 .2", 3.0f);
+    addColorAnimator(mids, "0 1 1 .2 360 1 1 .2", 2.73f);
+    addColorAnimator(highs, "0 1 1 .2 360 1 1 .2", 2.34f);
     for (int32_t i = 0; i < 4; ++i)
         wheels[size_t(i)].setCurve(kWheelCurves[i]);
     update();

@@ -212,6 +212,3 @@ void curveRowJobs(FlexImageT<Sample>* image, const ImageModApplyContext* context
     });
 }
 
-// Curve animator from one key text per control point ("x y x y ..."), all with one period.
-void addCurveAnimator(ImageMod* mod, ImageModVariable* variable, const std::vector<std::string>& pointKeys,
-                      float seconds);

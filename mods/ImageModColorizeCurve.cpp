@@ -3,7 +3,6 @@
 #include "core/ImageModVariableDataChoice.h"
 #include "core/ImageModVariableDataColor.h"
 #include "core/ImageModVariableDataCurve.h"
-#include "mods/ColorModAnimators.h"
 #include "mods/ColorSteps.h"
 
 namespace {
@@ -119,8 +118,8 @@ ImageModColorizeCurve::ImageModColorizeCurve() : ImageMod("Colorize Curve", "Col
     ImageModVariable* color = addColor("Color", 127.0f, 63.0f, 0.0f, 255.0f);
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     addChoice("Color Method", methodLabels(), kColorMethodColorize);
-    ::addCurveAnimator(this, curve, {"0 .25 0 .75 0 .25", ".5 .75 .5 .25 .5 .75", "1 .25 1 .5 1 .25"}, 2.464f);
-    ::addColorAnimator(*this, color, "0 1 .75 1 360 1 .75 1", 3.0f);
+    addCurveAnimator(curve, {"0 .25 0 .75 0 .25", ".5 .75 .5 .25 .5 .75", "1 .25 1 .5 1 .25"}, 2.464f);
+    addColorAnimator(color, "0 1 .75 1 360 1 .75 1", 3.0f);
 }
 
 std::unique_ptr<ImageMod> ImageModColorizeCurve::newInstance() const

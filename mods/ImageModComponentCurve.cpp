@@ -13,7 +13,7 @@ ImageModComponentCurve::ImageModComponentCurve() : ImageMod("Component Curve", "
         addChoice("Components", {"Red", "Green", "Blue", "Red+Green", "Green+Blue", "Blue+Red"}, redGreen);
     // The short forms the tile shows are also accepted from files.
     parts->asChoice()->labelSets.push_back({"R", "G", "B", "RG", "GB", "BR"});
-    ::addCurveAnimator(this, curve, {"0 0", ".3 .15 .15 .3 .65 .85 .85 .65 .3 .15", "1 1"}, 3.0f);
+    addCurveAnimator(curve, {"0 0", ".3 .15 .15 .3 .65 .85 .85 .65 .3 .15", "1 1"}, 3.0f);
 }
 
 namespace {

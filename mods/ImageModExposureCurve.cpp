@@ -7,7 +7,7 @@ ImageModExposureCurve::ImageModExposureCurve() : ImageMod("Exposure Curve", "Exp
 {
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     ImageModVariable* curve = addCurve("Curve", "0 .5 1 .5");
-    ::addCurveAnimator(this, curve, {"0 .5", ".12 .25 .12 .75 .12 .25", ".88 .75 .88 .25 .88 .75", "1 .5"}, 3.0f);
+    addCurveAnimator(curve, {"0 .5", ".12 .25 .12 .75 .12 .25", ".88 .75 .88 .25 .88 .75", "1 .5"}, 3.0f);
     setVersion(2);
 }
 

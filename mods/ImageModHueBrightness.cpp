@@ -10,7 +10,7 @@ ImageModHueBrightness::ImageModHueBrightness() : ImageMod("Hue Brightness", "Hue
     amount->data->setDisplayScale(0.0f, 100.0f);
     ImageModVariable* curve = addHueCurve("Hue Region", "0 .5 .25 .5 .5 .5 .75 .5 1 .5");
     addAnimator(amount, ".5 1 .5", 3.0f);
-    ::addCurveAnimator(this, curve, {"0 .125", ".25 .5", ".375 .875", ".625 .875", ".75 .5", "1 .125"}, 3.0f);
+    addCurveAnimator(curve, {"0 .125", ".25 .5", ".375 .875", ".625 .875", ".75 .5", "1 .125"}, 3.0f);
     addAnimator(curve, "0 360", 3.0f);
     setVersion(3);
 }

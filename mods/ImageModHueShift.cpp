@@ -10,7 +10,7 @@ ImageModHueShift::ImageModHueShift() : ImageMod("Hue Shift", "Hue Shift")
     amount->data->setDisplayScale(0.0f, 100.0f);
     ImageModVariable* curve = addHueCurve("Hue Region", "0 .5 .25 .5 .5 .5 .75 .5 1 .5");
     addAnimator(amount, ".5 1 .5", 4.431f);
-    ::addCurveAnimator(this, curve, {"0 .25", ".25 .5", ".5 .75", ".75 .5", "1 .25"}, 3.0f);
+    addCurveAnimator(curve, {"0 .25", ".25 .5", ".5 .75", ".75 .5", "1 .25"}, 3.0f);
     addAnimator(curve, "0 360", 3.0f);
     setVersion(2);
 }

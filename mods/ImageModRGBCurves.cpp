@@ -12,7 +12,7 @@ ImageModRGBCurves::ImageModRGBCurves() : ImageMod("RGB Curves", "R,G,B Curves")
     ImageModVariable* rgb = addCurve("RGB", "0 0 1 1");
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->visible = false;
     variables.back()->data->setDisplayScale(0.0f, 100.0f);
-    ::addCurveAnimator(this, rgb, {"0 0 0 .1 0 0", ".5 .7 .5 .3 .5 .7", "1 1 1 .9 1 1"}, 3.0f);
+    addCurveAnimator(rgb, {"0 0 0 .1 0 0", ".5 .7 .5 .3 .5 .7", "1 1 1 .9 1 1"}, 3.0f);
 }
 
 namespace {

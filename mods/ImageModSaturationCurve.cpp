@@ -8,7 +8,7 @@ ImageModSaturationCurve::ImageModSaturationCurve() : ImageMod("Saturation Curve"
     toolTip = "Adjust the saturation of selected hues using a curve editor.";
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     ImageModVariable* curve = addHueCurve("Hue Region", "0 .5 .25 .5 .5 .5 .75 .5 1 .5");
-    ::addCurveAnimator(this, curve, {"0 .25", ".25 .5", ".5 .75", ".75 .5", "1 .25"}, 3.0f);
+    addCurveAnimator(curve, {"0 .25", ".25 .5", ".5 .75", ".75 .5", "1 .25"}, 3.0f);
     addAnimator(curve, "0 360", 3.0f);
     setVersion(3);
 }

@@ -1,7 +1,6 @@
 #include "mods/ImageModSplitTone.h"
 
 #include "core/ImageModVariableDataColor.h"
-#include "mods/ColorModAnimators.h"
 #include "mods/ColorSteps.h"
 
 namespace {
@@ -46,8 +45,8 @@ ImageModSplitTone::ImageModSplitTone() : ImageMod("Split Tone", "")
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     ImageModVariable* dark = addColor("Dark Color", 0.0f, 24.41f, 101.21f, 255.0f);
     ImageModVariable* light = addColor("Light Color", 255.0f, 220.67f, 107.37f, 255.0f);
-    ::addColorAnimator(*this, dark, "0 1 .25 1 360 1 .25 1", 3.0f);
-    ::addColorAnimator(*this, light, "360 .2 1 1 0 .2 1 1", 3.0f);
+    addColorAnimator(dark, "0 1 .25 1 360 1 .25 1", 3.0f);
+    addColorAnimator(light, "360 .2 1 1 0 .2 1 1", 3.0f);
 }
 
 std::unique_ptr<ImageMod> ImageModSplitTone::newInstance() const

@@ -9,7 +9,7 @@ ImageModToneCurve::ImageModToneCurve() : ImageMod("Tone Curve", "Tone Curve")
     addFloat("Amount", 1.0f, 0.0f, 1.0f)->data->setDisplayScale(0.0f, 100.0f);
     ImageModVariable* curve = addCurve("Curve", "0 0 1 1");
     addChoice("Method", {"RGB", "Luminance", "Value", "Lightness"}, 0);
-    ::addCurveAnimator(this, curve, {"0 0 0 .1 0 0", ".3 .1 .3 .5 .3 .1", ".7 .5 .7 1 .7 .5", "1 1"}, 3.0f);
+    addCurveAnimator(curve, {"0 0 0 .1 0 0", ".3 .1 .3 .5 .3 .1", ".7 .5 .7 1 .7 .5", "1 1"}, 3.0f);
 }
 
 namespace {
