@@ -196,3 +196,20 @@ void CropToolGeometry::dragInsideVertical(float dy, float w, float h, float sumX
         topInset = std::min(topInset, limit);
     }
 }
+
+void rotateCropInsets(float& left, float& right, float& top, float& bottom, bool clockwise)
+{
+    const float l = left, r = right, t = top, b = bottom;
+    if (clockwise) {
+        // What was at the bottom comes to the left.
+        left = b;
+        top = l;
+        right = t;
+        bottom = r;
+    } else {
+        left = t;
+        top = r;
+        right = b;
+        bottom = l;
+    }
+}

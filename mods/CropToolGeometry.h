@@ -66,3 +66,7 @@ private:
     void dragInsideHorizontal(float dx, float w, float h, float sumY, float ratio, float step);
     void dragInsideVertical(float dy, float w, float h, float sumX, float ratio, float step);
 };
+
+// The insets after the picture turns a quarter (clockwise when `clockwise`), so the frame keeps
+// covering the same part of the photo.
+void rotateCropInsets(float& left, float& right, float& top, float& bottom, bool clockwise);
