@@ -454,7 +454,7 @@ void MVToolWidgetCrop::paintEvent(QPaintEvent*)
         QFont font = p.font();
         font.setPixelSize(11);
         p.setFont(font);
-        const QRectF box(innerL + 8.0f, innerT + 8.0f, 120.0, 34.0);
+        const QRectF box(innerL + 10.0f, innerT + 8.0f, 120.0, 34.0);
         p.setPen(QColor(0, 0, 0, 190));
         p.drawText(box.translated(1, 1), Qt::AlignLeft | Qt::AlignTop, text);
         p.setPen(QColor(245, 245, 245));
