@@ -30,9 +30,10 @@ endforeach()
 add_custom_target(vantrel_man ALL DEPENDS ${VANTREL_MAN_PAGES})
 install(FILES ${VANTREL_MAN_PAGES} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
-# The user guide and the format notes, readable offline.
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
-        FILES_MATCHING PATTERN "*.html" PATTERN "*.png" PATTERN "*.css")
+# The user guide (built into HTML) with its pictures, and the format notes, readable offline.
+install(FILES ${VANTREL_GUIDE_HTML} DESTINATION ${CMAKE_INSTALL_DOCDIR}/guide)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs/guide/img DESTINATION ${CMAKE_INSTALL_DOCDIR}/guide OPTIONAL)
+install(FILES ${CMAKE_SOURCE_DIR}/docs/formats.html DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 set(CPACK_GENERATOR DEB)

@@ -9,6 +9,7 @@
 
 class ImageMod;
 class MVStartupWindow;
+class MVHelpWindow;
 class MVTabBar;
 class MVToolPanel;
 class MVSubWindow;
@@ -172,6 +173,7 @@ private:
 
     QWidget* central = nullptr;
     QPointer<MVStartupWindow> startupWindow;
+    QPointer<MVHelpWindow> helpWindow;
     std::vector<QAction*> menuActions;
     QAction* viewModeActions[3] = {nullptr, nullptr, nullptr};
     QAction* autohideAction = nullptr;
