@@ -253,3 +253,19 @@ TEST(CropToolState, CustomAspectSelectsTheCustomRowAndShapesTheCut)
     readCropState(crop, back);
     EXPECT_FLOAT_EQ(back.listAspect, 2.0f);
 }
+
+TEST(CropToolState, QuarterTurnsCarryTheCutAround)
+{
+    float l = 0.1f, r = 0.2f, t = 0.3f, b = 0.4f;
+    rotateCropInsets(l, r, t, b, true);
+    // Clockwise: the bottom comes to the left, the left to the top.
+    EXPECT_FLOAT_EQ(l, 0.4f);
+    EXPECT_FLOAT_EQ(t, 0.1f);
+    EXPECT_FLOAT_EQ(r, 0.3f);
+    EXPECT_FLOAT_EQ(b, 0.2f);
+    rotateCropInsets(l, r, t, b, false);
+    EXPECT_FLOAT_EQ(l, 0.1f);
+    EXPECT_FLOAT_EQ(r, 0.2f);
+    EXPECT_FLOAT_EQ(t, 0.3f);
+    EXPECT_FLOAT_EQ(b, 0.4f);
+}
