@@ -95,8 +95,13 @@ void MVToolWidgetCrop::layoutControls()
 void MVToolWidgetCrop::beginEditing(ImageMod* mod)
 {
     modBeingEdited = dynamic_cast<ImageModCrop*>(mod);
-    if (modBeingEdited)
-        cropCopy.copyFrom(*modBeingEdited);
+    if (!modBeingEdited) {
+        freshCrop = std::make_unique<ImageModCrop>();
+        modBeingEdited = freshCrop.get();
+    }
+    cropCopy.copyFrom(*modBeingEdited);
+    cropAtStart = std::make_unique<ImageModCrop>();
+    cropAtStart->copyFrom(*modBeingEdited);
     const float keepCustom = geometry.customAspect;
     const bool keepSwap = geometry.allowSwapAspect;
     readCropState(cropCopy, geometry);
@@ -251,12 +256,25 @@ void MVToolWidgetCrop::applyCropState()
     update();
 }
 
+bool MVToolWidgetCrop::cropChanged() const
+{
+    if (!cropAtStart)
+        return false;
+    const int32_t before = cropAtStart->aspectChoice ? cropAtStart->aspectChoice->index : 0;
+    const int32_t now = cropCopy.aspectChoice ? cropCopy.aspectChoice->index : 0;
+    return !cropCopy.isEqual(*cropAtStart) || before != now ||
+        cropCopy.aspect.floatValue(1) != cropAtStart->aspect.floatValue(1);
+}
+
 void MVToolWidgetCrop::endEditing()
 {
     applyCropState();
     if (modBeingEdited) {
+        // copyFrom carries cp0..cp3, the straighten and the aspect list with its custom value; the
+        // tile's own on/off state is not the tool's to change.
+        const bool wasEnabled = modBeingEdited->enabled;
         modBeingEdited->copyFrom(cropCopy);
-        // copyFrom carries cp0..cp3, the straighten and the aspect list with its custom value.
+        modBeingEdited->enabled = wasEnabled;
     }
     refreshTimer.stop();
     showStraightenInViewer(savedStraighten);

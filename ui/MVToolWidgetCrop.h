@@ -7,6 +7,8 @@
 
 #include <QtCore/QTimer>
 
+#include <memory>
+
 class MVListChooser;
 class MVPushButton;
 class MVSlider;
@@ -41,6 +43,10 @@ public:
 
     ImageModCrop cropCopy;
     ImageModCrop* modBeingEdited = nullptr;
+    // The crop being made when the document had none; the main window hands it over at the end.
+    std::unique_ptr<ImageModCrop> freshCrop;
+    // True when the edit changed the crop (cut, turn or aspect) since beginEditing.
+    bool cropChanged() const;
     CropToolGeometry geometry;
     float savedStraighten = 0.0f;
     CropPixelInsets cropPixels;
@@ -77,4 +83,5 @@ private:
     void updateCursorShape();
     void showStraightenInViewer(float degrees);
     bool geometryWasApplied = true;
+    std::unique_ptr<ImageModCrop> cropAtStart;
 };

@@ -695,7 +695,7 @@ void MainWindow::menuTriggered(QAction* act)
     if (!act)
         return;
     const std::string t = act->text().toUtf8().toStdString();
-    if (trayMenuAction(t))
+    if (toolMenuAction(t) || trayMenuAction(t))
         return;
     MVMediaWidget* viewer = currentViewer();
     MVDocument* doc = currentDocument < documentCount ? &documents[size_t(currentDocument)] : nullptr;
@@ -729,8 +729,6 @@ void MainWindow::menuTriggered(QAction* act)
         const QString folder = QString::fromStdString(PresetLibrary(dataFolder()).presetsFolder());
         QDir().mkpath(folder);
         QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
-    } else if (t == "Crop/Straighten" || t == "Rotate Left" || t == "Rotate Right") {
-        // The crop tool and the media turns come with the tools.
     } else if (t == "Quicklook Presets" || t == "Quicklook Presets (Append)") {
         // The quicklook chooser comes with the previews.
     } else if (t == "Toggle Original") {
@@ -1123,7 +1121,6 @@ void MainWindow::controlHeightChanged()
 // Parts of the window that arrive with their own subsystems: plug-in hand-back, tools, the render
 // queue, previews, the tray and its controls, the video shuttle.
 void MainWindow::sendToPluginHost() {}
-void MainWindow::toolRequestedExit(MVToolWidget*) { activeTool = nullptr; }
 void MainWindow::cancelRenderQueueItem(int) {}
 void MainWindow::processingInfoTimerFired() {}
 void MainWindow::previewProcessorTimerFired() {}

@@ -6,8 +6,8 @@
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
+#include <memory>
 #include <string>
-
 #include <vector>
 
 class ImageMod;
@@ -85,6 +85,19 @@ public:
     QPushButton* viewportButtons[3] = {nullptr, nullptr, nullptr};
     QPushButton* newTabButton = nullptr;
     std::vector<QPushButton*> miniButtons;
+
+    // --- modal tools: crop and straighten, spot heal, media turns (ui/MainWindowTools.cpp) ---
+    // 0 "Crop/Straighten", 1 "Spot Heal"; a running tool of another kind ends first. Refuses with a
+    // message when there is no photo (and, for spot heal, on video).
+    void startTool(int toolID);
+    // The tool menu entries and Undo/Redo while a tool runs; true when the text was handled.
+    bool toolMenuAction(const std::string& text);
+    // A quarter turn of the current photo, one undo step; the crop turns with it.
+    void rotateCurrentMedia(bool clockwise);
+    // The crop the tool edits: the tray's hidden crop of the document, or null when it has none.
+    ImageMod* documentCrop(MVDocument& doc) const;
+    // The hand-over of a crop the tool made new: it joins the document's hidden mods.
+    void commitCropToDocument(MVDocument& doc, std::unique_ptr<ImageMod> crop);
 
     // --- tray, undo and filter files (ui/MainWindowTray.cpp) ---
     TrayWidget* currentTray() const;
