@@ -1,0 +1,182 @@
+// The tools as the main window runs them: refusals without a photo, the crop's hand-over to the
+// document with one undo step, spot heal steps joining the document's history, and quarter turns.
+#include "ResourceInit.h"
+#include "document/MVMediaWidget.h"
+#include "mods/ImageModCrop.h"
+#include "ui/AppTheme.h"
+#include "ui/MVPushButton.h"
+#include "ui/MVToolWidgetCrop.h"
+#include "ui/MVToolWidgetRetouch.h"
+#include "ui/MainWindow.h"
+#include "ui/TrayWidget.h"
+
+#include <QtCore/QFile>
+#include <QtTest/QtTest>
+
+namespace {
+
+const QString kPhoto = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
+
+bool settle(MainWindow& w)
+{
+    return QTest::qWaitFor([&w] { return w.displaySettled(); }, 15000);
+}
+
+float sourceAt(MVMediaWidget* v, int x, int y)
+{
+    std::lock_guard<std::mutex> lock(v->sourceMutex);
+    return v->sourceImage->row(y)[x * v->sourceImage->channels];
+}
+
+QSize sourceSize(MVMediaWidget* v)
+{
+    std::lock_guard<std::mutex> lock(v->sourceMutex);
+    return QSize(v->sourceImage->width, v->sourceImage->height);
+}
+
+} // namespace
+
+class MainWindowToolsTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase()
+    {
+        vantrelInitResources();
+        if (!QFile::exists(kPhoto))
+            QSKIP("test photos are not available");
+    }
+
+    void toolsRefuseWithoutAPhoto()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        QStringList seen;
+        w.messageHook = [&](const QString& title, const QString& text, const QStringList& buttons) {
+            seen << title << text << buttons;
+            return 0;
+        };
+        w.startTool(1);
+        QCOMPARE(seen, (QStringList{"No Media Loaded", "No media is currently loaded.", "OK"}));
+        QVERIFY(!w.activeTool);
+        seen.clear();
+        QVERIFY(w.triggerActionByText(QStringLiteral("Crop/Straighten")));
+        QCOMPARE(seen.value(0), QStringLiteral("No Media Loaded"));
+        QVERIFY(!w.activeTool);
+        w.startTool(7); // unknown tools are ignored
+        QVERIFY(!w.activeTool);
+    }
+
+    void cropIsHandedToTheDocumentAsOneUndoStep()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        QVERIFY(w.loadFile(kPhoto));
+        QVERIFY(settle(w));
+        TrayWidget* tray = w.currentTray();
+        QVERIFY(tray);
+        MVMediaWidget* viewer = w.currentViewer();
+        QCOMPARE(viewer->outputPixelSize(), QSize(1920, 1080));
+
+        QVERIFY(w.triggerActionByText(QStringLiteral("Crop/Straighten")));
+        auto* tool = qobject_cast<MVToolWidgetCrop*>(w.activeTool);
+        QVERIFY(tool);
+        QVERIFY(!viewer->applyGeometry);
+        tool->geometry.leftInset = 0.25f;
+        tool->applyCropState();
+        // Enter ends the tool as Done does.
+        QTest::keyClick(&w, Qt::Key_Return);
+        QVERIFY(!w.activeTool);
+        QVERIFY(viewer->applyGeometry);
+        QVERIFY(tray->hasHiddenModWithTag(0));
+        QCOMPARE(viewer->outputPixelSize(), QSize(1440, 1080));
+        QVERIFY(settle(w));
+
+        // Back in, out again without a change: no new undo step.
+        const int steps = tray->undoStack()->undoCount();
+        w.startTool(0);
+        tool = qobject_cast<MVToolWidgetCrop*>(w.activeTool);
+        QVERIFY(tool);
+        QCOMPARE(tool->geometry.leftInset, 0.25f); // it reads the document's crop
+        tool->controlChanged(tool->doneButton);
+        QVERIFY(!w.activeTool);
+        QCOMPARE(tray->undoStack()->undoCount(), steps);
+
+        QVERIFY(w.triggerActionByText(QStringLiteral("Undo")));
+        QVERIFY(!tray->hasHiddenModWithTag(0));
+        QCOMPARE(viewer->outputPixelSize(), QSize(1920, 1080));
+        QVERIFY(settle(w));
+    }
+
+    void spotHealStepsJoinTheDocumentsHistory()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        QVERIFY(w.loadFile(kPhoto));
+        QVERIFY(settle(w));
+        TrayWidget* tray = w.currentTray();
+        MVMediaWidget* viewer = w.currentViewer();
+        w.startTool(1);
+        auto* tool = qobject_cast<MVToolWidgetRetouch*>(w.activeTool);
+        QVERIFY(tool);
+        QVERIFY(viewer->suspendRunner);
+
+        const float before = sourceAt(viewer, 960, 540);
+        // Find a spot the heal visibly changes: the forest has detail everywhere.
+        tool->brushPixels = 30.0;
+        const QPointF centre(tool->imageX + tool->imageWidth * (960.5 / 1920.0),
+                             tool->imageY + tool->imageHeight * (540.5 / 1080.0));
+        QVERIFY(tool->healAt(centre));
+        const float healed = sourceAt(viewer, 960, 540);
+        QVERIFY(healed != before);
+        QCOMPARE(tool->toolUndo.undoCount(), 1);
+
+        // Undo while the tool runs is the tool's.
+        const int documentSteps = tray->undoStack()->undoCount();
+        QVERIFY(w.triggerActionByText(QStringLiteral("Undo")));
+        QCOMPARE(sourceAt(viewer, 960, 540), before);
+        QCOMPARE(tray->undoStack()->undoCount(), documentSteps);
+        QVERIFY(w.triggerActionByText(QStringLiteral("Redo")));
+        QCOMPARE(sourceAt(viewer, 960, 540), healed);
+
+        tool->controlChanged(tool->doneButton);
+        QVERIFY(!w.activeTool);
+        QVERIFY(!viewer->suspendRunner);
+        QCOMPARE(tray->undoStack()->undoCount(), documentSteps + 1);
+        QVERIFY(w.triggerActionByText(QStringLiteral("Undo")));
+        QCOMPARE(sourceAt(viewer, 960, 540), before);
+        QVERIFY(settle(w));
+    }
+
+    void quarterTurnsAreUndoableAndCarryTheCrop()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        QVERIFY(w.loadFile(kPhoto));
+        QVERIFY(settle(w));
+        TrayWidget* tray = w.currentTray();
+        MVMediaWidget* viewer = w.currentViewer();
+        const float corner = sourceAt(viewer, 0, 1079); // bottom-left comes to the top-left
+
+        auto crop = std::make_unique<ImageModCrop>();
+        crop->variableAt(1)->asFloat()->value = 0.1f; // left
+        ImageMod* held = crop.get();
+        tray->setHiddenMod(std::move(crop));
+
+        QVERIFY(w.triggerActionByText(QStringLiteral("Rotate Right")));
+        QCOMPARE(sourceSize(viewer), QSize(1080, 1920));
+        QCOMPARE(sourceAt(viewer, 0, 0), corner);
+        QCOMPARE(held->floatValue(3), 0.1f); // the left cut is now at the top
+        QCOMPARE(held->floatValue(1), 0.0f);
+        QVERIFY(settle(w));
+
+        QVERIFY(w.triggerActionByText(QStringLiteral("Undo")));
+        QCOMPARE(sourceSize(viewer), QSize(1920, 1080));
+        QCOMPARE(held->floatValue(1), 0.1f);
+        QVERIFY(w.triggerActionByText(QStringLiteral("Rotate Left")));
+        QCOMPARE(sourceSize(viewer), QSize(1080, 1920));
+        QVERIFY(settle(w));
+    }
+};
+
+QTEST_MAIN(MainWindowToolsTest)
+#include "MainWindowToolsTest.moc"
