@@ -393,7 +393,7 @@ void MVToolWidgetCrop::paintEvent(QPaintEvent*)
     const float W = float(width()), H = float(height());
 
     // 1. Everything outside the frame is dimmed.
-    const QBrush mask(QColor(8, 8, 10, 165));
+    const QBrush mask(QColor(8, 8, 10, 185));
     p.fillRect(QRectF(0, 0, W, top), mask);
     p.fillRect(QRectF(0, bottom, W, H - bottom), mask);
     p.fillRect(QRectF(0, top, left, fh), mask);

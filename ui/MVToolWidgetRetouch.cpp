@@ -34,7 +34,7 @@ void MVToolWidgetRetouch::layoutControls()
     if (!bar)
         return;
     const int h = 56;
-    const int w = std::min(std::max(width() - 20, 300), 720);
+    const int w = std::min(std::max(width() - 20, 300), 860);
     bar->setGeometry((width() - w) / 2, height() - h - 10, w, h);
     bar->raise();
     hintLabel->setGeometry(20, 10, w - 20 - 64 - 30, h - 20);

@@ -372,6 +372,8 @@ void MainWindow::closeDocumentAt(int index)
 {
     if (index < 0 || index >= documentCount)
         return;
+    if (activeTool)
+        toolRequestedExit(activeTool); // a tool works on one picture
     MVDocument& doc = documents[size_t(index)];
     doc.viewer->clearMedia();
     tabBar->removeTab(doc.tabID);
@@ -389,6 +391,8 @@ void MainWindow::selectDocument(int index)
 {
     if (index < 0 || index >= documentCount)
         return;
+    if (activeTool)
+        toolRequestedExit(activeTool); // a tool works on one picture
     currentDocument = index;
     tabBar->selectTab(documents[size_t(index)].tabID);
     documents[size_t(index)].viewer->previewBaseStale = true;
@@ -435,6 +439,8 @@ bool MainWindow::loadFile(const QString& path)
 {
     if (currentDocument < 0 || currentDocument >= documentCount)
         return false;
+    if (activeTool)
+        toolRequestedExit(activeTool); // a tool works on one picture
     MVDocument& doc = documents[size_t(currentDocument)];
     resetTrayForNewMedia(doc);
     const std::string utf8 = path.toUtf8().toStdString();

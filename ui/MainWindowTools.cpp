@@ -112,6 +112,11 @@ void MainWindow::startTool(int toolID)
         tool = heal;
     }
     connect(tool, &MVToolWidget::requestToolExit, this, &MainWindow::toolRequestedExit);
+    // Should its viewer go first, the tool goes with it.
+    connect(tool, &QObject::destroyed, this, [this, tool] {
+        if (activeTool == tool)
+            activeTool = nullptr;
+    });
     activeTool = tool;
     handListToViewer(doc);
     tool->show();
