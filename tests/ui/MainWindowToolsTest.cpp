@@ -2,6 +2,8 @@
 // document with one undo step, spot heal steps joining the document's history, and quarter turns.
 #include "ResourceInit.h"
 #include "document/MVMediaWidget.h"
+#include "core/ImageModVariableDataChoice.h"
+#include "mods/ImageModAspectRatio.h"
 #include "mods/ImageModCrop.h"
 #include "ui/AppTheme.h"
 #include "ui/MVPushButton.h"
@@ -174,6 +176,32 @@ private slots:
         QCOMPARE(held->floatValue(1), 0.1f);
         QVERIFY(w.triggerActionByText(QStringLiteral("Rotate Left")));
         QCOMPARE(sourceSize(viewer), QSize(1080, 1920));
+        QVERIFY(settle(w));
+    }
+
+    void sizeTileLocksTheAspectAndRestsWhileTheToolRuns()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        QVERIFY(w.loadFile(kPhoto));
+        QVERIFY(settle(w));
+        TrayWidget* tray = w.currentTray();
+        ImageModAspectRatio aspect;
+        aspect.variableAt(0)->asChoice()->index = aspect.variableAt(0)->asChoice()->indexOfLabel("Square");
+        QVERIFY(tray->addMod(aspect) >= 0);
+        w.trayContentChanged();
+        ImageMod* tile = tray->modAt(0);
+        QVERIFY(tile && tile->enabled);
+
+        w.startTool(0);
+        auto* tool = qobject_cast<MVToolWidgetCrop*>(w.activeTool);
+        QVERIFY(tool);
+        QCOMPARE(tool->geometry.customAspect, 1.0f);
+        QVERIFY(tool->geometry.allowSwapAspect);
+        QVERIFY(!tile->enabled); // the tool shows the whole picture
+        QCOMPARE(w.currentViewer()->outputPixelSize(), QSize(1920, 1080));
+        tool->controlChanged(tool->doneButton);
+        QVERIFY(tile->enabled);
         QVERIFY(settle(w));
     }
 
