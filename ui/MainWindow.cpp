@@ -27,6 +27,7 @@
 #include <QtGui/QDropEvent>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QAction>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
@@ -692,7 +693,7 @@ void MainWindow::actionTriggered()
 
 void MainWindow::menuTriggered(QAction* act)
 {
-    if (!act)
+    if (!act || controlMenuTriggered(act))
         return;
     const std::string t = act->text().toUtf8().toStdString();
     MVMediaWidget* viewer = currentViewer();
@@ -991,6 +992,8 @@ void MainWindow::revealInFileBrowser(const QString& path)
 bool MainWindow::event(QEvent* e)
 {
     // Hover look-ups of the pixel inspector and the autohide of the controls join with them.
+    if (e->type() == QEvent::HoverMove && QApplication::mouseButtons() == Qt::NoButton)
+        controlsHoverMoved(central->mapFrom(this, static_cast<QHoverEvent*>(e)->pos()));
     return QMainWindow::event(e);
 }
 
@@ -1136,11 +1139,6 @@ void MainWindow::trayContentChanged()
     updateWindowTitle();
 }
 
-void MainWindow::controlHeightChanged()
-{
-    // The control column of the selected tile sits above the tray; none is shown without a tray.
-}
-
 // Parts of the window that arrive with their own subsystems: plug-in hand-back, tools, the render
 // queue, previews, the tray and its controls, the video shuttle.
 void MainWindow::sendToPluginHost() {}
@@ -1151,12 +1149,9 @@ void MainWindow::processingInfoTimerFired() {}
 void MainWindow::previewProcessorTimerFired() {}
 void MainWindow::traySelectionChanged() {}
 void MainWindow::controlHovered(QWidget*) {}
-void MainWindow::controlAdjusted(QWidget*) {}
-void MainWindow::controlRightClicked(QWidget*) {}
 void MainWindow::shuttleControlAdjusted() {}
 void MainWindow::setShuttleInPoint() {}
 void MainWindow::setShuttleOutPoint() {}
-void MainWindow::controlAboutToBeAdjusted() {}
 void MainWindow::modButtonClicked(MVPanelItemListButton*, bool, bool) {}
 void MainWindow::comIDButtonClicked(MVPanelItemBigButton*) {}
 void MainWindow::deleteFavoriteClicked(QString) {}
@@ -1172,5 +1167,4 @@ void MainWindow::previewButtonPressed() {}
 void MainWindow::deleteNodesButtonPressed() {}
 void MainWindow::previewVideoButtonPressed() {}
 void MainWindow::cancelProcessingButtonPressed() {}
-void MainWindow::nodeControlAnimationTimerFired() {}
 void MainWindow::displayFinishedUpdating() {}
