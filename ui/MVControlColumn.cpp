@@ -291,12 +291,22 @@ void MVControlColumn::loadControl(Entry& e)
         break;
     }
     case kVariableCurve:
-        if (ImageModVariableDataCurve* c = v->asCurve())
-            static_cast<ToneCurveWidget*>(e.control)->setCurveData(c);
+        if (ImageModVariableDataCurve* c = v->asCurve()) {
+            // Rebinding would drop a point under drag: only a new value object is rebound.
+            auto* w = static_cast<ToneCurveWidget*>(e.control);
+            if (&w->curve() != &c->curve)
+                w->setCurveData(c);
+            else
+                w->update();
+        }
         break;
     case kVariableColor:
-        if (const ImageModVariableDataColor* c = v->asColor())
-            static_cast<MVColorControl*>(e.control)->setColor(toQColor(*c));
+        if (const ImageModVariableDataColor* c = v->asColor()) {
+            // The chooser keeps hue apart from RGB; setting the colour it shows would lose it for greys.
+            auto* w = static_cast<MVColorControl*>(e.control);
+            if (w->color().rgba() != toQColor(*c).rgba())
+                w->setColor(toQColor(*c));
+        }
         break;
     case kTextKind:
         if (const ImageModVariableDataButton* b = v->asButton())
@@ -342,11 +352,10 @@ void MVControlColumn::loadControl(Entry& e)
     }
 }
 
-void MVControlColumn::refreshValues(const QWidget* except)
+void MVControlColumn::refreshValues()
 {
     for (Entry& e : entries)
-        if (e.control != except)
-            loadControl(e);
+        loadControl(e);
 }
 
 void MVControlColumn::writeBack(const Entry& e)
@@ -429,7 +438,7 @@ void MVControlColumn::controlChanged(QWidget* control)
         currentMod->variableChanged(index);
     }
     // A mod may move other values in variableChanged (a preset list filling a curve).
-    refreshValues(control);
+    refreshValues();
     emit adjusted(control);
 }
 
@@ -451,7 +460,7 @@ void MVControlColumn::browseFile(Entry& e)
     box->setText(path);
     writeBack(e);
     currentMod->variableChanged(e.variable);
-    refreshValues(box);
+    refreshValues();
     emit adjusted(box);
 }
 
@@ -470,7 +479,7 @@ bool MVControlColumn::resetToDefault(QWidget* control)
     mine->data = wanted->data->clone();
     loadControl(*e); // the curve widget must follow the new value object
     currentMod->variableChanged(e->variable);
-    refreshValues(control);
+    refreshValues();
     emit adjusted(control);
     return true;
 }
@@ -512,7 +521,7 @@ bool MVControlColumn::pasteCurve(QWidget* control)
     c->curve.rebuild();
     control->update();
     currentMod->variableChanged(e->variable);
-    refreshValues(control);
+    refreshValues();
     emit adjusted(control);
     return true;
 }
@@ -633,9 +642,16 @@ QRect MVControlColumn::placement(int wantedHeight, const QRect& area, bool trayS
 void MVControlColumn::placeIn(const QRect& area, bool trayShown, int trayTop)
 {
     setGeometry(placement(contentHeight, area, trayShown, trayTop));
+    // A hidden column gets its resize event only when shown; the scroller must be right now.
+    layoutViewport();
 }
 
 void MVControlColumn::resizeEvent(QResizeEvent*)
+{
+    layoutViewport();
+}
+
+void MVControlColumn::layoutViewport()
 {
     const int room = std::max(0, height() - kHeaderHeight);
     viewport->setGeometry(0, kHeaderHeight, width(), room);

@@ -65,7 +65,7 @@ public:
     // Parses "x y x y ..." with at least two points, x rising, all inside the unit square.
     static bool isCurveText(const QString& text);
     // The controls read their variables again (after undo, or a mod that moved other values).
-    void refreshValues(const QWidget* except = nullptr);
+    void refreshValues();
 
     // Where the column goes in its parent: at the left of the picture area, its bottom
     // trayClearance above the tray's top and never lower than bottomClearance above the area's
@@ -105,6 +105,7 @@ private:
     Entry* entryOwning(QObject* object);
     void watch(QWidget* w);
     void layoutContent();
+    void layoutViewport();
     void editStarted(QWidget* control);
     void controlChanged(QWidget* control);
     void writeBack(const Entry& e);
