@@ -356,6 +356,7 @@ void MVControlColumn::refreshValues()
 {
     for (Entry& e : entries)
         loadControl(e);
+    update(); // the colour chips beside the labels
 }
 
 void MVControlColumn::writeBack(const Entry& e)
@@ -700,6 +701,21 @@ void MVControlColumn::paintEvent(QPaintEvent*)
             continue;
         const int y = kHeaderHeight + e.top - scrollOffset;
         g.drawText(QRect(padding + 1, y, width() - 2 * padding, kLabelHeight - 2), Qt::AlignLeft | Qt::AlignVCenter,
-                   g.fontMetrics().elidedText(e.label.toUpper(), Qt::ElideRight, width() - 2 * padding));
+                   g.fontMetrics().elidedText(e.label.toUpper(), Qt::ElideRight, width() - 2 * padding - 30));
+        if (e.kind == kVariableColor) {
+            // The chosen colour at a glance, at the label's right end, over a check for its alpha.
+            const QColor c = static_cast<const MVColorControl*>(e.control)->color();
+            const QRectF chip(width() - padding - 26.5, y + 1.5, 26.0, kLabelHeight - 5.0);
+            g.setPen(Qt::NoPen);
+            g.setBrush(QColor(200, 200, 200));
+            g.drawRoundedRect(chip, 3, 3);
+            g.setBrush(QColor(120, 120, 120));
+            g.drawRect(QRectF(chip.left() + 13.0, chip.top(), 13.0, chip.height() / 2.0));
+            g.drawRect(QRectF(chip.left(), chip.center().y(), 13.0, chip.height() / 2.0));
+            g.setPen(QPen(QColor(12, 12, 12), 1));
+            g.setBrush(c);
+            g.drawRoundedRect(chip, 3, 3);
+            g.setPen(ControlArt::labelColor());
+        }
     }
 }
