@@ -5,6 +5,7 @@
 #include "core/ImageMod.h"
 #include "document/MVMediaWidget.h"
 #include "ui/MVControlColumn.h"
+#include "ui/TrayWidget.h"
 
 #include <QtGui/QClipboard>
 #include <QtGui/QCursor>
@@ -68,9 +69,10 @@ void MainWindow::controlAboutToBeAdjusted()
 
 void MainWindow::pushTileAdjustUndo()
 {
-    // Hook for the tray's undo: documents[currentDocument].tray->pushAdjustUndo() snapshots the
-    // selected tile here, before the value moves, once the tray exists.
+    // The tray snapshots its selected tile before the value moves.
     ++adjustUndoRequests;
+    if (TrayWidget* tray = currentTray())
+        tray->pushAdjustUndo();
 }
 
 void MainWindow::controlAdjusted(QWidget*)
@@ -80,10 +82,12 @@ void MainWindow::controlAdjusted(QWidget*)
     if (currentDocument < 0 || currentDocument >= documentCount)
         return;
     MVDocument& doc = documents[size_t(currentDocument)];
-    if (doc.tray)
+    const std::vector<ImageMod*> all = doc.tray ? doc.tray->flatModList(false) : std::vector<ImageMod*>{};
+    if (std::find(all.begin(), all.end(), controlledMod) != all.end())
         handListToViewer(doc);
     else if (controlledMod)
-        doc.viewer->setMods({controlledMod}); // a tile shown without a tray is the whole list
+        doc.viewer->setMods({controlledMod}); // a tile shown outside the tray is the whole list
+    updateWindowTitle();
 }
 
 void MainWindow::controlRightClicked(QWidget* control)

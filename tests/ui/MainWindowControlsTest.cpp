@@ -10,6 +10,7 @@
 #include "ui/MVSlider.h"
 #include "ui/MainWindow.h"
 #include "ui/ToneCurveWidget.h"
+#include "ui/TrayWidget.h"
 
 #include <QtTest/QtTest>
 #include <QtWidgets/QAction>
@@ -113,6 +114,49 @@ private slots:
         QCOMPARE(viewerAmount(viewer), 1.0f);
         QCOMPARE(w.adjustUndoRequests, 2);
         w.showControlsFor(nullptr);
+    }
+
+    void trayTileDragIsOneUndoStep()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        w.show();
+        TrayWidget* tray = w.currentTray();
+        QVERIFY(tray);
+        std::unique_ptr<ImageMod> curves = createMod(catalogue.mods, "Curves");
+        const int index = tray->addMod(*curves);
+        QVERIFY(index >= 0);
+        ImageMod* tile = tray->modAt(index);
+        tray->setSelected(index);
+        w.traySelectionChanged();
+        QCOMPARE(w.controlledMod, tile);
+        auto* slider = qobject_cast<MVSlider*>(w.controlColumn->controlForVariable(0));
+        QVERIFY(slider);
+
+        const float left = slider->getTrackLeft(), right = slider->getTrackRight();
+        QTest::mousePress(slider, Qt::LeftButton, Qt::NoModifier, QPoint(int(left + 1.0f + 0.5f * (right - left)), 11));
+        moveTo(slider, QPoint(int(left + 1.0f + 0.25f * (right - left)), 11));
+        moveTo(slider, QPoint(-50, 11));
+        QTest::mouseRelease(slider, Qt::LeftButton, Qt::NoModifier, QPoint(-50, 11));
+        QCOMPARE(tile->floatValue(0), 0.0f);
+        QVERIFY(tray->modified);
+        // The viewer runs the tray's list, with the tile's new value.
+        MVMediaWidget* viewer = w.currentViewer();
+        {
+            std::lock_guard<std::mutex> lock(viewer->stateMutex);
+            QCOMPARE(viewer->mods.size(), tray->flatModList(true).size());
+            QCOMPARE(viewer->mods.back()->name, std::string("Curves"));
+            QCOMPARE(viewer->mods.back()->floatValue(0), 0.0f);
+        }
+
+        // One drag, one undo: the value before the drag comes back, and the rebuilt column shows it.
+        QVERIFY(w.triggerActionByText(QStringLiteral("Undo")));
+        QCOMPARE(tray->modAt(index)->floatValue(0), 1.0f);
+        auto* after = qobject_cast<MVSlider*>(w.controlColumn->controlForVariable(0));
+        QVERIFY(after);
+        QCOMPARE(after->value(), 1.0f);
+        QVERIFY(w.triggerActionByText(QStringLiteral("Redo")));
+        QCOMPARE(tray->modAt(index)->floatValue(0), 0.0f);
     }
 
     void curveCopyAndPasteThroughTheDispatch()
