@@ -245,12 +245,22 @@ private slots:
             MainWindow w(AppTheme::styleSheet());
             w.resize(1600, 1000);
             QVERIFY(w.loadFile(kPhoto));
+            // The real road: a tile in the tray, selected, its controls over the picture.
+            TrayWidget* tray = w.currentTray();
+            QVERIFY(tray);
+            for (const char* other : {"Exposure", "Saturation"})
+                if (std::unique_ptr<ImageMod> extra = createMod(catalogue.mods, other))
+                    tray->addMod(*extra);
             std::unique_ptr<ImageMod> mod = createMod(catalogue.mods, name);
             QVERIFY(mod);
             if (std::string(name) == "Curves")
                 mod->variableAt(1)->asCurve()->curve.setFromString("0 0 0.25 0.18 0.75 0.86 1 1");
-            w.currentViewer()->setMods({mod.get()});
-            w.showControlsFor(mod.get());
+            const int index = tray->addMod(*mod);
+            QVERIFY(index >= 0);
+            w.trayContentChanged();
+            tray->setSelected(index);
+            w.traySelectionChanged();
+            QCOMPARE(w.controlledMod, tray->modAt(index));
             QVERIFY(QTest::qWaitFor([&w] { return w.displaySettled(); }, 15000));
             QTest::qWait(100);
             w.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/controls_") +
