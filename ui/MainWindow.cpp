@@ -29,6 +29,7 @@
 #include <QtGui/QDropEvent>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QAction>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
@@ -692,7 +693,7 @@ void MainWindow::actionTriggered()
 
 void MainWindow::menuTriggered(QAction* act)
 {
-    if (!act)
+    if (!act || controlMenuTriggered(act))
         return;
     const std::string t = act->text().toUtf8().toStdString();
     if (trayMenuAction(t))
@@ -982,6 +983,8 @@ void MainWindow::revealInFileBrowser(const QString& path)
 bool MainWindow::event(QEvent* e)
 {
     // Hover look-ups of the pixel inspector and the autohide of the controls join with them.
+    if (e->type() == QEvent::HoverMove && QApplication::mouseButtons() == Qt::NoButton)
+        controlsHoverMoved(central->mapFrom(this, static_cast<QHoverEvent*>(e)->pos()));
     return QMainWindow::event(e);
 }
 
@@ -1115,10 +1118,6 @@ void MainWindow::toggleHistogramView(int)
         v->requestProcessing();
 }
 
-void MainWindow::controlHeightChanged()
-{
-    // The control column of the selected tile sits above the tray; none is shown without a tray.
-}
 
 // Parts of the window that arrive with their own subsystems: plug-in hand-back, tools, the render
 // queue, previews, the tray and its controls, the video shuttle.
@@ -1128,12 +1127,9 @@ void MainWindow::cancelRenderQueueItem(int) {}
 void MainWindow::processingInfoTimerFired() {}
 void MainWindow::previewProcessorTimerFired() {}
 void MainWindow::controlHovered(QWidget*) {}
-void MainWindow::controlAdjusted(QWidget*) {}
-void MainWindow::controlRightClicked(QWidget*) {}
 void MainWindow::shuttleControlAdjusted() {}
 void MainWindow::setShuttleInPoint() {}
 void MainWindow::setShuttleOutPoint() {}
-void MainWindow::controlAboutToBeAdjusted() {}
 void MainWindow::modButtonClicked(MVPanelItemListButton*, bool, bool) {}
 void MainWindow::comIDButtonClicked(MVPanelItemBigButton*) {}
 void MainWindow::deleteFavoriteClicked(QString) {}
@@ -1147,5 +1143,4 @@ void MainWindow::previousPresetButtonPressed() {}
 void MainWindow::previewButtonPressed() {}
 void MainWindow::previewVideoButtonPressed() {}
 void MainWindow::cancelProcessingButtonPressed() {}
-void MainWindow::nodeControlAnimationTimerFired() {}
 void MainWindow::displayFinishedUpdating() {}

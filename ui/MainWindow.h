@@ -17,6 +17,9 @@ class MVTabBar;
 class MVToolPanel;
 class MVSubWindow;
 class MVToolWidget;
+class MVControlColumn;
+class QTimer;
+class QGraphicsOpacityEffect;
 class MVPanelItemListButton;
 class MVPanelItemBigButton;
 class QAction;
@@ -109,6 +112,29 @@ public:
                        const QString& okCaption, const QString& cancelCaption, QString& answer)>
         askTextHook;
     std::function<QString(bool save, const QString& title, const QString& start, const QString& filter)> fileDialogHook;
+
+    // --- Control column of the selected tile (MainWindowControls.cpp) ---
+    // showControlsFor (declared with the tray block) builds the column; the column doesn't own
+    // the mod: whoever deletes it clears the column first.
+    MVControlColumn* controlColumn = nullptr;
+    ImageMod* controlledMod = nullptr;
+    // Undo steps asked for by the controls, one per drag or pick.
+    int adjustUndoRequests = 0;
+    // Autohide: the column fades to controlsTargetOpacity in steps of the animation timer.
+    QTimer* nodeControlAnimationTimer = nullptr;
+    QGraphicsOpacityEffect* controlsOpacity = nullptr;
+    float controlsTargetOpacity = 1.0f;
+    QAction* copyCurveAction = nullptr;
+    QAction* pasteCurveAction = nullptr;
+    // The control that the Copy Curve / Paste Curve menu was opened on.
+    QPointer<QWidget> curveMenuControl;
+    // Shows or hides the column by the cursor's height (central widget coordinates).
+    void controlsHoverMoved(QPoint pos);
+    // Copy Curve and Paste Curve, and keeping the column shown when autohide is turned off;
+    // true when the action was one of the curve entries.
+    bool controlMenuTriggered(QAction* act);
+    // The undo step of one adjustment: the tray snapshots the selected tile.
+    void pushTileAdjustUndo();
 
     static constexpr int panelWidth = 224;
     static constexpr int trayHeight = 96;
