@@ -13,6 +13,7 @@ struct BorderFileStyle {
     int32_t middle;       // picture pixels between the corner pieces, on both axes
     bool tileEdges;       // edges repeat (a pattern) rather than stretch
     uint8_t backdrop[3];  // colour under the artwork in the added bands
+    double scale = 1.0;   // output pixels per picture pixel at the reference size (smooth art is kept small)
 };
 
 // The photo's shorter side, in output pixels, at which a picture is drawn one to one.
@@ -30,7 +31,7 @@ inline constexpr BorderFileStyle kBorderFileStyles[] = {
     { "Stamp", "stamp", { 240, 240, 240, 240 }, { 240, 240, 240, 240 }, 120, true, { 52, 56, 62 } },
     { "Gallery Mat", "gallery_mat", { 430, 430, 430, 430 }, { 420, 420, 420, 420 }, 64, false, { 238, 235, 228 } },
     { "Black Frame", "black_frame", { 250, 250, 250, 250 }, { 220, 220, 220, 220 }, 64, false, { 14, 14, 15 } },
-    { "Burned Edges", "burned_edges", { 380, 380, 380, 380 }, { 0, 0, 0, 0 }, 320, true, { 0, 0, 0 } },
+    { "Burned Edges", "burned_edges", { 96, 96, 96, 96 }, { 0, 0, 0, 0 }, 80, true, { 0, 0, 0 }, 4.0 },
     { "Filed Carrier", "filed_carrier", { 170, 170, 170, 170 }, { 80, 80, 80, 80 }, 256, true, { 6, 6, 6 } },
     { "Cinema", "cinema", { 0, 380, 0, 380 }, { 0, 380, 0, 380 }, 64, false, { 0, 0, 0 } },
 };

@@ -46,8 +46,8 @@ BorderBands ImageModBorderFile::bands(double width, double height) const
 {
     if (!(width > 0.0) || !(height > 0.0))
         return {};
-    const double k = std::min(width, height) / kBorderArtReference;
     const BorderFileStyle& s = style();
+    const double k = std::min(width, height) / kBorderArtReference * s.scale;
     return { s.bands[0] * k, s.bands[2] * k, s.bands[1] * k, s.bands[3] * k };
 }
 
@@ -67,8 +67,9 @@ void ImageModBorderFile::drawOver(FlexImageFloat& destination, double pictureWid
         return;
     const BorderFileStyle& s = style();
     // Picture pixels to output pixels, from how large the photo came out.
-    const double kx = placement.width / pictureWidth * std::min(pictureWidth, pictureHeight) / kBorderArtReference;
-    const double ky = placement.height / pictureHeight * std::min(pictureWidth, pictureHeight) / kBorderArtReference;
+    const double k = std::min(pictureWidth, pictureHeight) / kBorderArtReference * s.scale;
+    const double kx = placement.width / pictureWidth * k;
+    const double ky = placement.height / pictureHeight * k;
     NineSliceLayout layout;
     // The frame's outer edge is the output's edge; the pieces reach in from there.
     layout.x0 = placement.x - s.bands[0] * kx;
