@@ -58,7 +58,39 @@ static inline AxisSample mapAxis(const AxisLayout& a, double u)
         s.piece = 1;
         s.source = a.insetA;
     }
+    // Each piece reads only its own pixels: a neighbour piece's edge never bleeds across the joint.
+    const double lo = s.piece == 0 ? 0.0 : s.piece == 1 ? a.insetA : a.size - a.insetB;
+    const double hi = s.piece == 0 ? a.insetA - 1.0 : s.piece == 1 ? a.size - a.insetB - 1.0 : a.size - 1.0;
+    s.source = std::clamp(s.source, lo, std::max(lo, hi));
     return s;
+}
+
+// One or two reads across an output pixel: a pixel that a joint between pieces cuts takes each side
+// by its share, so the joint lands at the same place at every size.
+struct AxisTaps {
+    AxisSample tap[2];
+    float weight[2] = { 1.0f, 0.0f };
+    int8_t count = 1;
+    int8_t piece = -1; // the piece of the pixel's centre
+};
+
+static inline AxisTaps tapsForPixel(const AxisLayout& a, int32_t x)
+{
+    AxisTaps t;
+    const double joints[2] = { a.start + a.thickA, a.end - a.thickB };
+    t.tap[0] = mapAxis(a, x + 0.5);
+    t.piece = t.tap[0].piece;
+    for (double j : joints) {
+        if (j > x && j < x + 1.0 && j > a.start && j < a.end) {
+            t.tap[0] = mapAxis(a, (x + j) * 0.5);
+            t.tap[1] = mapAxis(a, (j + x + 1.0) * 0.5);
+            t.weight[0] = float(j - x);
+            t.weight[1] = float(x + 1.0 - j);
+            t.count = 2;
+            break;
+        }
+    }
+    return t;
 }
 
 static inline void composite(float* d, const float art[4], float opacity)
@@ -87,18 +119,18 @@ bool drawNineSlice(FlexImageFloat& image, const OverlayImage& art, const NineSli
     const AxisLayout ay { layout.y0, layout.y1, layout.thickness[1], layout.thickness[3], double(art.height()),
                           layout.insets[1], layout.insets[3], layout.tileEdges };
     const int32_t w = image.width;
-    std::vector<AxisSample> columns(static_cast<size_t>(w));
+    std::vector<AxisTaps> columns(static_cast<size_t>(w));
     for (int32_t x = 0; x < w; ++x)
-        columns[size_t(x)] = mapAxis(ax, x + 0.5);
+        columns[size_t(x)] = tapsForPixel(ax, x);
     // Columns inside the middle piece, skipped on middle rows when the centre isn't drawn.
     int32_t midFirst = w, midEnd = w;
     for (int32_t x = 0; x < w; ++x) {
-        if (columns[size_t(x)].piece == 1) {
+        if (columns[size_t(x)].piece == 1 && columns[size_t(x)].count == 1) {
             midFirst = std::min(midFirst, x);
             midEnd = x + 1;
         }
     }
-    const AxisSample* cols = columns.data();
+    const AxisTaps* cols = columns.data();
     const int32_t ch = image.channels;
     const bool centre = layout.drawCentre;
     const float opacity = std::min(layout.opacity, 1.0f);
@@ -106,21 +138,33 @@ bool drawNineSlice(FlexImageFloat& image, const OverlayImage& art, const NineSli
     const int32_t y1 = std::min(image.height, int32_t(std::ceil(layout.y1)));
     parallelFor(std::max(0, y1 - y0), [&, y0](int32_t i) {
         const int32_t y = y0 + i;
-        const AxisSample row = mapAxis(ay, y + 0.5);
+        const AxisTaps row = tapsForPixel(ay, y);
         if (row.piece < 0)
             return;
         float* p = image.row(y);
-        const bool middleRow = row.piece == 1 && !centre;
+        const bool middleRow = row.piece == 1 && row.count == 1 && !centre;
         for (int32_t x = 0; x < w; ++x) {
             if (middleRow && x == midFirst) {
                 x = midEnd - 1;
                 continue;
             }
-            const AxisSample& col = cols[x];
+            const AxisTaps& col = cols[x];
             if (col.piece < 0)
                 continue;
-            float s[4];
-            sampleOverlay(art, col.source, row.source, std::max(col.footprint, row.footprint), s);
+            float s[4] = { 0.0f, 0.0f, 0.0f, 0.0f };
+            for (int8_t i = 0; i < row.count; ++i) {
+                for (int8_t k = 0; k < col.count; ++k) {
+                    const AxisSample& r = row.tap[i];
+                    const AxisSample& c = col.tap[k];
+                    if (r.piece < 0 || c.piece < 0 || (!centre && r.piece == 1 && c.piece == 1))
+                        continue;
+                    float one[4];
+                    sampleOverlay(art, c.source, r.source, std::max(c.footprint, r.footprint), one);
+                    const float wgt = row.weight[i] * col.weight[k];
+                    for (int32_t n = 0; n < 4; ++n)
+                        s[n] += one[n] * wgt;
+                }
+            }
             composite(p + int64_t(ch) * x, s, opacity);
         }
     });
