@@ -158,10 +158,12 @@ void setSize(FT_Face face, float pixelSize)
 }
 
 // Sets one line at pen origin 0 on the baseline y; glyph boxes relative to the layout origin.
-LineRun setLine(Engine& e, FT_Face primary, const std::vector<uint32_t>& cps, float pixelSize, double baseline)
+LineRun setLine(Engine& e, FT_Face primary, const std::vector<uint32_t>& cps, float pixelSize, double baseline,
+                double penStart)
 {
     LineRun run;
-    double pen = 0.0;
+    double pen = penStart;
+    const double baseWhole = std::floor(baseline);
     FT_Face prevFace = nullptr;
     FT_UInt prevIndex = 0;
     for (uint32_t cp : cps) {
@@ -191,13 +193,14 @@ LineRun setLine(Engine& e, FT_Face primary, const std::vector<uint32_t>& cps, fl
         const double whole = std::floor(pen);
         if (slot->format == FT_GLYPH_FORMAT_OUTLINE) {
             // The fraction of the pen position moves the outline, so spacing stays even.
-            FT_Outline_Translate(&slot->outline, FT_Pos(std::lround((pen - whole) * 64.0)), 0);
+            FT_Outline_Translate(&slot->outline, FT_Pos(std::lround((pen - whole) * 64.0)),
+                                 -FT_Pos(std::lround((baseline - baseWhole) * 64.0)));
             if (FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL) == 0 && slot->bitmap.width > 0 && slot->bitmap.rows > 0) {
                 PlacedGlyph g;
                 g.width = int32_t(slot->bitmap.width);
                 g.height = int32_t(slot->bitmap.rows);
                 g.x = int32_t(whole) + slot->bitmap_left;
-                g.y = int32_t(std::lround(baseline)) - slot->bitmap_top;
+                g.y = int32_t(baseWhole) - slot->bitmap_top;
                 g.pixels.resize(size_t(g.width) * size_t(g.height));
                 const int32_t pitch = slot->bitmap.pitch;
                 for (int32_t r = 0; r < g.height; ++r) {
@@ -214,7 +217,7 @@ LineRun setLine(Engine& e, FT_Face primary, const std::vector<uint32_t>& cps, fl
         prevFace = face;
         prevIndex = index;
     }
-    run.width = pen;
+    run.width = pen - penStart;
     return run;
 }
 
@@ -255,7 +258,8 @@ bool renderWithFreeType(const TextRenderRequest& request, TextRaster& raster)
     std::vector<LineRun> runs;
     double blockWidth = 0.0;
     for (size_t i = 0; i < lines.size(); ++i) {
-        runs.push_back(setLine(e, face, lines[i], size, ascent + double(i) * lineHeight));
+        runs.push_back(setLine(e, face, lines[i], size, request.shiftY + ascent + double(i) * lineHeight,
+                               request.shiftX));
         blockWidth = std::max(blockWidth, runs.back().width);
     }
     const double blockHeight = ascent + descent + double(lines.size() - 1) * lineHeight;

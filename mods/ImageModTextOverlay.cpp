@@ -167,17 +167,20 @@ bool ImageModTextOverlay::layout(int32_t imageWidth, int32_t imageHeight, const 
     const int32_t alignment = std::clamp(choiceIndex(alignmentIndex), 0, 2);
     const std::string words = text();
     const std::string family = fontFamily();
+    // The block's box comes from a first setting; the placement then needs only its size, which
+    // a shift by a fraction of a pixel doesn't change.
+    TextRenderRequest request { words, family, pixelSize, alignment, 0.0f, 0.0f };
     if (!cache.raster || cache.text != words || cache.family != family || cache.pixelSize != pixelSize
         || cache.alignment != alignment) {
-        auto raster = std::make_shared<TextRaster>();
-        const TextRenderRequest request { words, family, pixelSize, alignment };
-        if (!renderText(request, *raster))
-            raster.reset();
-        cache = { words, family, pixelSize, alignment, raster };
+        auto probe = std::make_shared<TextRaster>();
+        if (!renderText(request, *probe))
+            probe.reset();
+        cache = { words, family, pixelSize, alignment, 0.0f, 0.0f, probe };
     }
     if (!cache.raster)
         return false;
-    const TextRaster& r = *cache.raster;
+    const double boxW = cache.raster->layoutWidth;
+    const double boxH = cache.raster->layoutHeight;
     double ax, ay;
     const ImageModVariableDataPixel* pos = pixelAt(positionIndex);
     if (pos && !pos->points.empty() && !ImageModVariableDataPixel::isUnset(pos->points[0])) {
@@ -188,16 +191,29 @@ bool ImageModTextOverlay::layout(int32_t imageWidth, int32_t imageHeight, const 
         ax = frame.cx;
         ay = frame.cy + frame.contentHeight * 0.38;
         if (alignment == 0)
-            ax -= r.layoutWidth * 0.5;
+            ax -= boxW * 0.5;
         else if (alignment == 2)
-            ax += r.layoutWidth * 0.5;
+            ax += boxW * 0.5;
     }
     if (!std::isfinite(ax) || !std::isfinite(ay) || std::abs(ax) > 1e8 || std::abs(ay) > 1e8)
         return false;
-    const double left = ax - r.layoutWidth * (alignment == 0 ? 0.0 : alignment == 1 ? 0.5 : 1.0);
-    const double top = ay - r.layoutHeight * 0.5;
-    out.x = int32_t(std::lround(left)) - r.layoutX;
-    out.y = int32_t(std::lround(top)) - r.layoutY;
+    const double left = ax - boxW * (alignment == 0 ? 0.0 : alignment == 1 ? 0.5 : 1.0);
+    const double top = ay - boxH * 0.5;
+    const float shiftX = float(left - std::floor(left));
+    const float shiftY = float(top - std::floor(top));
+    if (cache.shiftX != shiftX || cache.shiftY != shiftY) {
+        request.shiftX = shiftX;
+        request.shiftY = shiftY;
+        auto raster = std::make_shared<TextRaster>();
+        if (!renderText(request, *raster))
+            return false;
+        cache.raster = raster;
+        cache.shiftX = shiftX;
+        cache.shiftY = shiftY;
+    }
+    const TextRaster& r = *cache.raster;
+    out.x = int32_t(std::floor(left)) - r.layoutX;
+    out.y = int32_t(std::floor(top)) - r.layoutY;
     out.raster = cache.raster;
     return true;
 }

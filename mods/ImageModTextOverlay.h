@@ -57,6 +57,8 @@ private:
         std::string family;
         float pixelSize = 0.0f;
         int32_t alignment = -1;
+        float shiftX = -1.0f;
+        float shiftY = -1.0f;
         std::shared_ptr<const TextRaster> raster;
     };
     Cache cache;

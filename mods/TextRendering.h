@@ -10,6 +10,10 @@ struct TextRenderRequest {
     std::string family;     // font family; a family the system lacks falls back to Bitstream Vera Sans
     float pixelSize = 0.0f; // the em size in output pixels
     int32_t alignment = 1;  // 0 left, 1 centre, 2 right
+    // The block set this fraction of a pixel right and down (0..1), so a block placed between
+    // pixels lands where it belongs at any scale.
+    float shiftX = 0.0f;
+    float shiftY = 0.0f;
 };
 
 // The block's coverage, 0..255, one channel, over its measured box: the lines' advances across and
