@@ -2,6 +2,7 @@
 //   vantrel_artwork <resources-dir>
 // Output is deterministic; the committed PNGs are its result and can be regenerated at any time.
 #include "ArtworkCanvas.h"
+#include "BorderArt.h"
 #include "SampleScene.h"
 #include "StartupArt.h"
 #include "WindowArt.h"
@@ -93,6 +94,10 @@ int main(int argc, char** argv)
         ok &= writeImage(canvas.finish(),
                          out + QStringLiteral("/desktop/icons/hicolor/%1x%1/apps/vantrel.png").arg(size), "PNG", -1);
     }
+    // Frame pictures of the built-in borders, one size: the tiles scale them themselves.
+    for (const BorderFileStyle& style : kBorderFileStyles)
+        ok &= writeImage(drawBorderArt(style), out + QStringLiteral("/img/borders/") + QLatin1String(style.file) +
+                                                   QStringLiteral(".png"), "PNG", -1);
     ok &= writeImage(renderSampleScene(), out + QStringLiteral("/sample/sample.jpg"), "JPEG", 88);
     return ok ? 0 : 1;
 }
