@@ -1,6 +1,6 @@
 #include "ui/MVPanelItemListButton.h"
 
-#include "core/ImageMod.h"
+#include "core/ImageModCompound.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -21,7 +21,9 @@ MVPanelItemListButton::MVPanelItemListButton(ImageMod* m, bool owns, bool plus, 
     setStyleSheet(QStringLiteral("border-image: url(:/img/panel_button_bg.png) 8 8 8 8; background: transparent;"
                                  " border-width: 8px; font-size:12px;"));
     if (mod) {
-        setNameText(QString::fromStdString(mod->displayName.empty() ? mod->name : mod->displayName));
+        // A group (a preset) is known by its name; a tile by its label.
+        const bool group = mod->kind() == ImageModCompound::compoundKind;
+        setNameText(QString::fromStdString(group || mod->displayName.empty() ? mod->name : mod->displayName));
         setToolTip(QString::fromStdString(mod->toolTip));
     }
     plusImage = QPixmap(plusPath(false));
@@ -55,15 +57,22 @@ void MVPanelItemListButton::setStarred(bool s)
     update();
 }
 
-void MVPanelItemListButton::resizeEvent(QResizeEvent* event)
+void MVPanelItemListButton::updateAreas()
 {
-    MVPanelItem::resizeEvent(event);
     plusArea = hasPlus ? QRect(width() - 34, 0, 34, height()) : QRect();
     starArea = hasStar ? QRect(0, 0, 30, height()) : QRect();
 }
 
+void MVPanelItemListButton::resizeEvent(QResizeEvent* event)
+{
+    MVPanelItem::resizeEvent(event);
+    updateAreas();
+}
+
 void MVPanelItemListButton::trackCursor(const QPoint& pos)
 {
+    // A hidden row gets its resize event late; the areas follow the width now.
+    updateAreas();
     const bool inPlus = hasPlus && plusArea.contains(pos);
     const bool inStar = hasStar && starArea.contains(pos);
     if (inStar != starIsHovered) {

@@ -53,6 +53,7 @@ protected:
 
 private:
     void trackCursor(const QPoint& pos);
+    void updateAreas();
 
     bool plusIsLit = false;
     bool starIsHovered = false;
