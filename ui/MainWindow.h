@@ -6,10 +6,14 @@
 #include <QtCore/QString>
 #include <QtWidgets/QMainWindow>
 
+#include <functional>
+#include <string>
+
 #include <vector>
 
 class ImageMod;
 class MVStartupWindow;
+class MVHelpWindow;
 class MVTabBar;
 class MVToolPanel;
 class MVSubWindow;
@@ -18,6 +22,7 @@ class MVPanelItemListButton;
 class MVPanelItemBigButton;
 class QAction;
 class QPushButton;
+class TrayWidget;
 
 // The single top window and the switchboard of the program: it owns the documents and panels,
 // builds the menus (whose action texts are the keys of the dispatch) and places every child by
@@ -94,6 +99,30 @@ public:
     QPushButton* viewportButtons[3] = {nullptr, nullptr, nullptr};
     QPushButton* newTabButton = nullptr;
     std::vector<QPushButton*> miniButtons;
+
+    // --- tray, undo and filter files (ui/MainWindowTray.cpp) ---
+    TrayWidget* currentTray() const;
+    // Shows the controls of the current tray's selected tile (none when nothing is selected).
+    void rebuildControls();
+    // The controls column for one tile; null clears it (ui/MainWindowControls.cpp).
+    void showControlsFor(ImageMod* mod);
+    // The load-filter flow: replaces the tiles (pinned ones stay) or appends; a damaged or newer
+    // file keeps what could be read and says so. True when the file read cleanly.
+    bool loadFilterFile(const QString& path, bool removeTrayNodes);
+    bool exportFilterTo(const QString& path);
+    void deleteSelectedTiles();
+    void clearTraySelection();
+    // A text question with a title, prompt, field label, default and two captions; false on cancel.
+    bool askForText(const QString& title, const QString& prompt, const QString& fieldLabel, const QString& defaultText,
+                    const QString& okCaption, const QString& cancelCaption, QString& answer);
+    // An open or save file dialog.
+    QString chooseFile(bool save, const QString& title, const QString& start, const QString& filter);
+    // When set, messages, questions and file dialogs go here instead of modal dialogs (tests).
+    std::function<int(const QString& title, const QString& text, const QStringList& buttons)> messageHook;
+    std::function<bool(const QString& title, const QString& prompt, const QString& fieldLabel, const QString& defaultText,
+                       const QString& okCaption, const QString& cancelCaption, QString& answer)>
+        askTextHook;
+    std::function<QString(bool save, const QString& title, const QString& start, const QString& filter)> fileDialogHook;
 
     static constexpr int panelWidth = 224;
     static constexpr int trayHeight = 96;
@@ -183,9 +212,16 @@ private:
     void storePreferences();
     void restoreWindowGeometry();
     void layoutPanes(const QRect& area);
+    // --- tray (ui/MainWindowTray.cpp) ---
+    bool trayMenuAction(const std::string& text);
+    void attachTray(MVDocument& doc);
+    void detachTray(MVDocument& doc);
+    void resetTrayForNewMedia(MVDocument& doc);
+    void layoutTray();
 
     QWidget* central = nullptr;
     QPointer<MVStartupWindow> startupWindow;
+    QPointer<MVHelpWindow> helpWindow;
     std::vector<QAction*> menuActions;
     QAction* viewModeActions[3] = {nullptr, nullptr, nullptr};
     QAction* autohideAction = nullptr;
