@@ -94,6 +94,8 @@ public:
     void updateCropButtonLabel();
     // Puts a tile, or each tile of a preset, into the current document's tray.
     void addPanelModToTray(ImageMod* mod, bool append);
+    // Shows a preset just saved into "My Presets" in the Presets tab.
+    void presetSavedToLibrary(const QString& name);
     // Applies the preset delta steps from the last one (wrapping); false when there are none.
     bool stepPreset(int delta);
     QPushButton* viewportButtons[3] = {nullptr, nullptr, nullptr};

@@ -1,13 +1,16 @@
 // The main window's side of the tool panel: building it, and carrying out what its rows ask.
 #include "ui/MainWindow.h"
 
+#include "filters/FileFilter.h"
 #include "filters/MultiData.h"
 #include "filters/PreferenceKeys.h"
 #include "filters/PresetLibrary.h"
 #include "ui/MVPanelItemBigButton.h"
 #include "ui/MVPanelItemListButton.h"
 #include "ui/MVToolPanel.h"
+#include "mods/ImageModSize2.h"
 #include "ui/MVToolPanelContent.h"
+#include "ui/TrayWidget.h"
 
 #include <QtCore/QTimer>
 
@@ -121,15 +124,59 @@ void MainWindow::updateCropButtonLabel()
     MVPanelItemBigButton* crop = toolPanel ? toolPanel->bigButton(MVToolPanelContent::kToolCrop) : nullptr;
     if (!crop)
         return;
-    // The crop lives among the tray's hidden mods, which come with the tray.
-    const bool cropInForce = false;
+    // A crop in force lives among the tray's hidden mods, not among the tiles.
+    const TrayWidget* tray = currentTray();
+    const bool cropInForce = tray && tray->hasHiddenModWithTag(kTagCrop);
     crop->setText(MVToolPanelContent::cropButtonLabel(cropInForce));
     crop->update();
 }
 
 void MainWindow::addPanelModToTray(ImageMod* mod, bool append)
 {
-    // The tray of the current document takes the tile; until the tray exists nothing is added.
-    (void)mod;
-    (void)append;
+    TrayWidget* tray = currentTray();
+    if (!tray || !mod)
+        return;
+    tray->pushSequenceUndo();
+    if (const auto* preset = dynamic_cast<const FileFilter*>(mod)) {
+        // A preset brings its tiles one by one; without append it takes the place of what the
+        // tray held, pinned tiles apart, and names the filter.
+        if (!append)
+            tray->clearTray(true);
+        for (const auto& child : preset->children)
+            if (child)
+                tray->addMod(*child, false, true);
+        if (!append) {
+            tray->filterName = QString::fromStdString(preset->name);
+            tray->modified = false;
+        }
+    } else {
+        // Without append a tile replaces any tile of its slot, pinned ones too.
+        tray->addMod(*mod, !append, true);
+    }
+    trayContentChanged();
+}
+
+void MainWindow::presetSavedToLibrary(const QString& name)
+{
+    if (!toolPanel)
+        return;
+    const QString group = QLatin1String(PresetLibrary::kMyPresets);
+    // Rows are keyed by the shown name, where "_" reads as a blank.
+    const QString key = group + QLatin1Char('/') + QString(name).replace(QLatin1Char('_'), QLatin1Char(' '));
+    // An overwritten preset is read again: its old row goes first.
+    for (MVPanelItemListButton* row : toolPanel->listButtons(MVToolPanel::kPresetsTab, false))
+        if (row->key == key)
+            toolPanel->removeListButton(row);
+    if (!toolPanel->header(MVToolPanel::kPresetsTab, group)) {
+        // The first preset of the user's own group: the group's header has to be made.
+        rebuildPresetsTab();
+        return;
+    }
+    const PresetLibrary library(dataFolder());
+    auto* preset = new FileFilter(library.presetPath(name.toStdString()), modCatalogue.mods);
+    if (MVPanelItemListButton* row = toolPanel->insertListButton(group, preset)) {
+        row->key = key;
+        row->deletable = true;
+        toolPanel->setStarredNames(toolPanel->starredNames());
+    }
 }

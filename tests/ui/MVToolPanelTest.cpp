@@ -14,6 +14,7 @@
 #include "ui/MVToolPanel.h"
 #include "ui/MVToolPanelContent.h"
 #include "ui/MainWindow.h"
+#include "ui/TrayWidget.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
@@ -494,9 +495,105 @@ private slots:
         w.nextPresetButtonPressed();
         QCOMPARE(w.presetStepIndex, int((int64_t(2147483647) + 1) % n));
 
-        // The crop button's label follows the document.
+        // The crop button's label follows the document's hidden crop.
         w.updateWindowTitle();
-        QCOMPARE(w.toolPanel->bigButton(MVToolPanelContent::kToolCrop)->text(), QStringLiteral("Crop/Straighten"));
+        MVPanelItemBigButton* crop = w.toolPanel->bigButton(MVToolPanelContent::kToolCrop);
+        QCOMPARE(crop->text(), QStringLiteral("Crop/Straighten"));
+        w.currentTray()->setHiddenMod(createMod(catalogue.mods, "Crop"));
+        w.updateWindowTitle();
+        QCOMPARE(crop->text(), QStringLiteral("Crop/Straighten*"));
+        w.currentTray()->clearHiddenMods();
+        w.updateWindowTitle();
+        QCOMPARE(crop->text(), QStringLiteral("Crop/Straighten"));
+    }
+
+    void mainWindowPutsRowsIntoTheTray()
+    {
+        MainWindow w(QString{});
+        TrayWidget* tray = w.currentTray();
+        QVERIFY(tray && tray->undoStack());
+        tray->clearTray(false);
+        const int undoBefore = tray->undoStack()->undoCount();
+
+        // A tile row: one tile, one undo step, a clone and not the template.
+        MVPanelItemListButton* exposure = rowNamed(*w.toolPanel, MVToolPanel::kAdjustmentsTab, "Exposure");
+        emit w.toolPanel->modButtonClicked(exposure, true, false);
+        QCOMPARE(tray->tileCount(), 1);
+        QCOMPARE(tray->modAt(0)->name, std::string("Exposure"));
+        QVERIFY(tray->modAt(0) != exposure->mod);
+        QCOMPARE(tray->undoStack()->undoCount(), undoBefore + 1);
+        emit w.toolPanel->modButtonClicked(exposure, true, false);
+        QCOMPARE(tray->tileCount(), 2);
+
+        // A preset replaces the tiles, keeping the pinned one, and names the filter.
+        tray->modAt(0)->pinned = true;
+        const auto presets = w.toolPanel->listButtons(MVToolPanel::kPresetsTab, false);
+        MVPanelItemListButton* preset = nullptr;
+        for (MVPanelItemListButton* r : presets)
+            if (auto* f = dynamic_cast<FileFilter*>(r->mod); f && f->childCount() >= 2) {
+                preset = r;
+                break;
+            }
+        QVERIFY(preset);
+        const int presetTiles = static_cast<FileFilter*>(preset->mod)->childCount();
+        emit w.toolPanel->modButtonClicked(preset, false, false);
+        QCOMPARE(tray->filterName, preset->nameText);
+        QVERIFY(tray->tileCount() >= presetTiles);
+        QVERIFY(tray->tileCount() <= presetTiles + 1);
+        QCOMPARE(tray->undoStack()->undoCount(), undoBefore + 3);
+        // Through the plus the preset's tiles come on top of what stands.
+        const int before = tray->tileCount();
+        emit w.toolPanel->modButtonClicked(preset, true, false);
+        QVERIFY(tray->tileCount() > before);
+        tray->undo();
+        QCOMPARE(tray->tileCount(), before);
+
+        // A star click stars and adds nothing.
+        const int tiles = tray->tileCount();
+        emit w.toolPanel->modButtonClicked(preset, false, true);
+        QCOMPARE(tray->tileCount(), tiles);
+        QVERIFY(preset->isStarred());
+        QVERIFY(w.toolPanel->starredNames().contains(preset->key));
+    }
+
+    void mainWindowDeletesAndAddsUserPresets()
+    {
+        MainWindow w(QString{});
+        TrayWidget* tray = w.currentTray();
+        tray->clearTray(false);
+        emit w.toolPanel->modButtonClicked(rowNamed(*w.toolPanel, MVToolPanel::kAdjustmentsTab, "Contrast"), true, false);
+
+        // "Save Filter to Presets..." shows the new row in "My Presets" at once.
+        w.askTextHook = [](const QString&, const QString&, const QString&, const QString&, const QString&,
+                           const QString&, QString& answer) {
+            answer = QStringLiteral("Panel_Test Look");
+            return true;
+        };
+        QStringList asked;
+        int answer = 1;
+        w.messageHook = [&](const QString& title, const QString& text, const QStringList&) {
+            asked << title + QStringLiteral(": ") + text;
+            return answer;
+        };
+        w.saveFavoriteFilterPrompt();
+        MVPanelItemListButton* row = rowNamed(*w.toolPanel, MVToolPanel::kPresetsTab, "Panel Test Look");
+        QVERIFY(row);
+        QVERIFY(row->deletable);
+        QCOMPARE(row->key, QStringLiteral("My Presets/Panel Test Look"));
+        const QString path = MVToolPanelContent::presetPath(row);
+        QVERIFY(QFile::exists(path));
+
+        // "Cancel" keeps it; "Delete" removes file and row.
+        emit w.toolPanel->deleteButtonClicked(row);
+        QCOMPARE(asked.size(), 1);
+        QVERIFY(asked[0].endsWith(QStringLiteral("Are you sure you want to permanently delete the style Panel Test "
+                                                 "Look? This action cannot be undone.")));
+        QVERIFY(QFile::exists(path));
+        answer = 0;
+        emit w.toolPanel->deleteButtonClicked(row);
+        flushDeletes();
+        QVERIFY(!QFile::exists(path));
+        QVERIFY(!rowNamed(*w.toolPanel, MVToolPanel::kPresetsTab, "Panel Test Look"));
     }
 };
 
