@@ -60,7 +60,7 @@ void MVPanelItemListButton::setStarred(bool s)
 void MVPanelItemListButton::updateAreas()
 {
     plusArea = hasPlus ? QRect(width() - 34, 0, 34, height()) : QRect();
-    starArea = hasStar ? QRect(0, 0, 30, height()) : QRect();
+    starArea = hasStar ? QRect(0, 0, 48, height()) : QRect();
 }
 
 void MVPanelItemListButton::resizeEvent(QResizeEvent* event)
@@ -130,13 +130,14 @@ void MVPanelItemListButton::paintEvent(QPaintEvent*)
     paintStyledBackground(p);
     p.setRenderHint(QPainter::SmoothPixmapTransform);
     const int mid = height() / 2;
-    int x = 16;
+    // Text lines up under the header's icon, or with a star under the header's title.
+    int x = 28;
     if (hasStar) {
         const QString star = starred ? QStringLiteral(":/img/panel_button_star_high.png")
             : starIsHovered          ? QStringLiteral(":/img/panel_button_star_low.png")
                                      : QStringLiteral(":/img/panel_button_star_empty.png");
-        p.drawPixmap(QRect(9, mid - 8, 16, 16), QPixmap(star));
-        x = 32;
+        p.drawPixmap(QRect(28, mid - 8, 16, 16), QPixmap(star));
+        x = 52;
     }
     int right = width() - 10;
     if (hasPlus) {

@@ -9,10 +9,13 @@
 #include "ui/MVScroller.h"
 
 #include <QtGui/QCursor>
+#include <QtGui/QPainter>
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyle>
+#include <QtWidgets/QStyleOption>
 
 #include <algorithm>
 
@@ -478,6 +481,15 @@ void MVToolPanel::relayout()
     if (t)
         t->scrollPosition = pos;
     content->move(0, -int(pos));
+}
+
+void MVToolPanel::paintEvent(QPaintEvent*)
+{
+    // The style sheet's border-image; a QWidget subclass draws it only when asked.
+    QPainter p(this);
+    QStyleOption opt;
+    opt.initFrom(this);
+    style()->drawPrimitive(QStyle::PE_Widget, &opt, &p, this);
 }
 
 void MVToolPanel::resizeEvent(QResizeEvent* event)

@@ -76,7 +76,7 @@ int main(int argc, char** argv)
         {"default_image_thumb", 160, 120, [](QPainter& p) { drawPlaceholderThumb(p, 160, 120); }},
         {"app_icon_64", 64, 64, [](QPainter& p) { drawEmblem(p, QRectF(2, 2, 60, 60)); }},
         // Tool panel.
-        {"toolpanelbg", 32, 32, [](QPainter& p) { drawToolPanelBackground(p, 32, 32); }},
+        {"toolpanelbg", 48, 48, [](QPainter& p) { drawToolPanelBackground(p, 48, 48); }},
         {"panel_header_bg", 32, 36, [](QPainter& p) { drawPanelHeaderBackground(p, 32, 36); }},
         {"panel_button_bg", 32, 36, [](QPainter& p) { drawPanelButtonBackground(p, 32, 36); }},
         {"panel_button_plus_low", 16, 16, [](QPainter& p) { drawPanelPlus(p, false); }},

@@ -13,6 +13,7 @@
 #include "ui/MVScroller.h"
 #include "ui/MVToolPanel.h"
 #include "ui/MVToolPanelContent.h"
+#include "ui/AppTheme.h"
 #include "ui/MainWindow.h"
 #include "ui/TrayWidget.h"
 
@@ -105,6 +106,9 @@ private slots:
     void initTestCase()
     {
         vantrelInitResources();
+        // The look the editor gives every widget, so pictures taken here show the real panel.
+        qApp->setPalette(AppTheme::buildPalette(qApp->palette()));
+        qApp->setStyleSheet(AppTheme::styleSheet());
         qRegisterMetaType<ImageMod*>();
         qRegisterMetaType<MVPanelItemListButton*>();
         catalogue = buildModCatalogue();
@@ -250,7 +254,7 @@ private slots:
 
         // A click in the star area says so; the main window then toggles the star.
         MVPanelItemListButton* warm = rowNamed(*panel, MVToolPanel::kPresetsTab, "Warm Fade");
-        QTest::mouseClick(warm, Qt::LeftButton, Qt::NoModifier, QPoint(12, 18));
+        QTest::mouseClick(warm, Qt::LeftButton, Qt::NoModifier, QPoint(34, 18));
         QCOMPARE(clicks.count(), 1);
         QCOMPARE(clicks[0][0].value<MVPanelItemListButton*>(), warm);
         QCOMPARE(clicks[0][2].toBool(), true);
