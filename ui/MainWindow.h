@@ -1,4 +1,5 @@
 #pragma once
+#include "core/ModCatalogue.h"
 #include "ui/MVDocument.h"
 
 #include <QtCore/QPointer>
@@ -83,8 +84,23 @@ public:
     bool pluginMode = false;
     QString pluginCallID;
 
-    // Where the tool panel sits until it has its own widget.
-    QWidget* panelArea = nullptr;
+    // Tool panel: the catalogue it offers, the preset it stepped to last, and its wiring.
+    ModCatalogueContents modCatalogue;
+    int presetStepIndex = -1;
+    // Builds the panel with both tabs; called once from the constructor.
+    void buildToolPanel();
+    // Reads the preset folders again into the Presets tab.
+    void rebuildPresetsTab();
+    // Enters the on-canvas tool with this number (MVToolPanelContent::ToolCommand).
+    void startTool(int toolID);
+    // "Crop/Straighten*" while the current document holds a crop.
+    void updateCropButtonLabel();
+    // Puts a tile, or each tile of a preset, into the current document's tray.
+    void addPanelModToTray(ImageMod* mod, bool append);
+    // Shows a preset just saved into "My Presets" in the Presets tab.
+    void presetSavedToLibrary(const QString& name);
+    // Applies the preset delta steps from the last one (wrapping); false when there are none.
+    bool stepPreset(int delta);
     QPushButton* viewportButtons[3] = {nullptr, nullptr, nullptr};
     QPushButton* newTabButton = nullptr;
     std::vector<QPushButton*> miniButtons;
@@ -169,7 +185,7 @@ public slots:
     void controlAboutToBeAdjusted();
     void modButtonClicked(MVPanelItemListButton* clicker, bool append, bool star);
     void comIDButtonClicked(MVPanelItemBigButton* button);
-    void deleteFavoriteClicked(QString name);
+    void deleteFavoriteClicked(MVPanelItemListButton* row);
     void imageModHovered(ImageMod* mod);
     void filterPreviewChosen(QString name);
     void previewSectionEnabled(int tabID, QString sectionName, bool enabled);

@@ -5,6 +5,7 @@
 #include "BorderArt.h"
 #include "SampleScene.h"
 #include "StartupArt.h"
+#include "PanelArt.h"
 #include "WindowArt.h"
 #include <QtCore/QDir>
 #include <QtGui/QGuiApplication>
@@ -75,6 +76,28 @@ int main(int argc, char** argv)
         {"new_tab_button_down", 28, 22, [](QPainter& p) { drawNewTabButton(p, true); }},
         {"default_image_thumb", 160, 120, [](QPainter& p) { drawPlaceholderThumb(p, 160, 120); }},
         {"app_icon_64", 64, 64, [](QPainter& p) { drawEmblem(p, QRectF(2, 2, 60, 60)); }},
+        // Tool panel.
+        {"toolpanelbg", 48, 48, [](QPainter& p) { drawToolPanelBackground(p, 48, 48); }},
+        {"panel_header_bg", 32, 36, [](QPainter& p) { drawPanelHeaderBackground(p, 32, 36); }},
+        {"panel_button_bg", 32, 36, [](QPainter& p) { drawPanelButtonBackground(p, 32, 36); }},
+        {"panel_button_plus_low", 16, 16, [](QPainter& p) { drawPanelPlus(p, false); }},
+        {"panel_button_plus_high", 16, 16, [](QPainter& p) { drawPanelPlus(p, true); }},
+        {"panel_button_star_empty", 16, 16, [](QPainter& p) { drawPanelStar(p, "empty"); }},
+        {"panel_button_star_low", 16, 16, [](QPainter& p) { drawPanelStar(p, "low"); }},
+        {"panel_button_star_high", 16, 16, [](QPainter& p) { drawPanelStar(p, "high"); }},
+        {"panel_button_collapse_w", 12, 12, [](QPainter& p) { drawPanelCollapseArrow(p, true); }},
+        {"panel_button_uncollapse_w", 12, 12, [](QPainter& p) { drawPanelCollapseArrow(p, false); }},
+        {"tools_icon_basics", 16, 16, [](QPainter& p) { drawSectionIcon(p, "basics"); }},
+        {"tools_icon_light", 16, 16, [](QPainter& p) { drawSectionIcon(p, "light"); }},
+        {"tools_icon_color", 16, 16, [](QPainter& p) { drawSectionIcon(p, "color"); }},
+        {"tools_icon_photographic", 16, 16, [](QPainter& p) { drawSectionIcon(p, "photographic"); }},
+        {"tools_icon_selectors", 16, 16, [](QPainter& p) { drawSectionIcon(p, "selectors"); }},
+        {"tools_icon_borders", 16, 16, [](QPainter& p) { drawSectionIcon(p, "borders"); }},
+        {"tools_icon_utility", 16, 16, [](QPainter& p) { drawSectionIcon(p, "utility"); }},
+        {"tools_icon_starred", 16, 16, [](QPainter& p) { drawSectionIcon(p, "starred"); }},
+        {"tools_icon_presets", 16, 16, [](QPainter& p) { drawSectionIcon(p, "presets"); }},
+        {"tools_icon_crop", 22, 22, [](QPainter& p) { drawToolButtonIcon(p, "crop"); }},
+        {"tools_icon_heal", 22, 22, [](QPainter& p) { drawToolButtonIcon(p, "heal"); }},
     };
     bool ok = true;
     for (const Artwork& a : artworks) {
