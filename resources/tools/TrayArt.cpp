@@ -112,10 +112,6 @@ void drawTrayEncloser(QPainter& p, int w, int h)
     p.setPen(QPen(accent(), 1.5));
     p.setBrush(QColor(0x2e, 0x2a, 0x26));
     p.drawRoundedRect(r, 10, 10);
-    // The right end, where the exit button sits, is a little lighter.
-    p.setPen(Qt::NoPen);
-    p.setBrush(QColor(255, 255, 255, 14));
-    p.drawRoundedRect(QRectF(w - 48, 3, 45, h - 6), 8, 8);
 }
 
 void drawTrayPreviewOverlay(QPainter& p, int w, int h)

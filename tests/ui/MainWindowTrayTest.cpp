@@ -299,6 +299,27 @@ private slots:
         QVERIFY(win.tray().selectedIndices().empty());
     }
 
+    // With VANTREL_SHOT_DIR set: the editor with a photo and a look in the tray, for looking at it.
+    void editorWithTilesOnScreen()
+    {
+        const QByteArray shots = qgetenv("VANTREL_SHOT_DIR");
+        const QString photo = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
+        if (shots.isEmpty() || !QFile::exists(photo))
+            QSKIP("VANTREL_SHOT_DIR is not set or the test photos are absent");
+        Window win;
+        win.w.resize(1400, 900);
+        QVERIFY(win.w.loadFile(photo));
+        for (const char* n : {"Crop", "Brightness", "Contrast", "Saloon", "Luminance Mask", "Saturation", "Custom Straight"})
+            win.tray().addMod(*make(n));
+        win.tray().modAt(2)->variables[0]->setFloatValue(win.tray().modAt(2)->floatValue(0) + 0.2f);
+        win.tray().modAt(3)->pinned = true;
+        win.tray().refreshNodes();
+        win.tray().setSelected(3);
+        win.w.trayContentChanged();
+        QVERIFY(QTest::qWaitFor([&win] { return win.w.displaySettled(); }, 15000));
+        QVERIFY(win.w.grab().save(QString::fromLocal8Bit(shots) + QStringLiteral("/editor_tray.png")));
+    }
+
     void nestFromTheMenuAsksForAName()
     {
         Window win;

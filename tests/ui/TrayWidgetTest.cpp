@@ -478,6 +478,47 @@ private slots:
         QCOMPARE(f.tray->contentWidget()->x(), -50);
     }
 
+    // With VANTREL_SHOT_DIR set: pictures of every look, for looking at them.
+    void everyLookOnScreen()
+    {
+        const QByteArray shots = qgetenv("VANTREL_SHOT_DIR");
+        if (shots.isEmpty())
+            QSKIP("VANTREL_SHOT_DIR is not set");
+        Fixture f;
+        f.window.setObjectName(QStringLiteral("shotWindow"));
+        f.window.setStyleSheet(QStringLiteral("QWidget#shotWindow { background: #181818; }"));
+        f.add("Crop");
+        f.add("Brightness");
+        f.add("Contrast");
+        f.add("Saloon");
+        f.add("Luminance Mask");
+        f.add("Saturation");
+        auto group = std::make_unique<ImageModCompound>("Punchy Colour Group");
+        group->addChild(make("Dynamics"));
+        group->addChild(make("Saturation"));
+        f.tray->addMod(*group);
+        f.add("Shadows/Highlights");
+        f.add("Custom Straight");
+        f.tray->modAt(2)->enabled = false; // disabled
+        f.tray->modAt(3)->pinned = true; // pinned camera look
+        f.tray->refreshNodes();
+        f.tray->setSelected(5);
+        press(f.tray->nodeAt(6), Qt::ControlModifier);
+        release(f.tray->nodeAt(6));
+        QTest::qWait(50);
+        const QString dir = QString::fromLocal8Bit(shots) + QLatin1Char('/');
+        QVERIFY(f.window.grab().save(dir + QStringLiteral("tray_looks.png")));
+        f.tray->clearSelection();
+        f.tray->setSelected(6);
+        QVERIFY(f.tray->editSelectedNested());
+        QTest::qWait(50);
+        QVERIFY(f.window.grab().save(dir + QStringLiteral("tray_nested.png")));
+        f.tray->exitNested();
+        f.tray->setPreviewing(true);
+        QTest::qWait(50);
+        QVERIFY(f.window.grab().save(dir + QStringLiteral("tray_preview.png")));
+    }
+
     void previewingHidesCentralTilesFromTheSelection()
     {
         Fixture f;
