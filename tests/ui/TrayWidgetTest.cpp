@@ -447,6 +447,39 @@ private slots:
         QCOMPARE(names(*g.tray), QStringList({"Saturation", "Contrast"}));
     }
 
+    void rightPressDoubleClickAndReset()
+    {
+        Fixture f;
+        f.add("Brightness");
+        auto group = std::make_unique<ImageModCompound>("G");
+        group->addChild(make("Contrast"));
+        f.tray->addMod(*group);
+        f.tray->setSelected(0);
+        // A right press on an unselected tile makes it the selection, then the menu opens.
+        QTest::mousePress(f.tray->nodeAt(1), Qt::RightButton, Qt::NoModifier, QPoint(40, 40));
+        QCOMPARE(f.tray->selectedIndices(), std::vector<int>({1}));
+        QTRY_VERIFY(f.tray->contextMenu()->isVisible());
+        QVERIFY(f.tray->contextMenu()->actions()[7]->isEnabled()); // Un-nest
+        f.tray->contextMenu()->hide();
+
+        // Reset puts the tile's values back to neutral as one undo step.
+        const float neutral = f.tray->modAt(0)->floatValue(0);
+        f.tray->modAt(0)->variables[0]->setFloatValue(neutral + 0.3f);
+        f.tray->setSelected(0);
+        f.tray->menuItemChosen(f.tray->contextMenu()->actions()[0]);
+        QCOMPARE(f.tray->modAt(0)->floatValue(0), neutral);
+        QCOMPARE(f.tray->undoStack()->undoCount(), 1);
+        f.tray->undo();
+        QCOMPARE(f.tray->modAt(0)->floatValue(0), neutral + 0.3f);
+
+        // A double click on a group edits it; on a plain tile it does nothing.
+        QTest::mouseDClick(f.tray->nodeAt(0), Qt::LeftButton, Qt::NoModifier, QPoint(40, 40));
+        QVERIFY(f.tray->nestedPath().empty());
+        QTest::mouseDClick(f.tray->nodeAt(1), Qt::LeftButton, Qt::NoModifier, QPoint(40, 40));
+        QCOMPARE(f.tray->nestedPath(), std::vector<int>({1}));
+        QCOMPARE(names(*f.tray), QStringList({"Contrast"}));
+    }
+
     void tileButtons()
     {
         Fixture f;
