@@ -1,4 +1,5 @@
 #include "ui/MainWindow.h"
+#include "ui/MVHelpWindow.h"
 
 #include "desktop_only/MediaCodec.h"
 #include "desktop_only/MediaLoading.h"
@@ -945,30 +946,18 @@ QString MainWindow::helpPageAnchor(const QString& actionText)
 {
     if (actionText == QLatin1String("Send Feedback"))
         return QStringLiteral("feedback");
-    if (actionText == QLatin1String("Sign Up For The Newsletter"))
-        return QStringLiteral("newsletter");
-    if (actionText == QLatin1String("Follow Us On Social Media"))
-        return QStringLiteral("community");
-    if (actionText == QLatin1String("Vantrel News"))
+    // The guide is read offline: news, newsletter and community share its last section.
+    if (actionText == QLatin1String("Sign Up For The Newsletter") ||
+        actionText == QLatin1String("Follow Us On Social Media") || actionText == QLatin1String("Vantrel News"))
         return QStringLiteral("news");
     return QStringLiteral("start");
 }
 
 void MainWindow::openHelpPage(const QString& actionText)
 {
-    // The guide ships inside the program; it is written out once to the cache folder and opened
-    // there, so the browser gets a plain local file.
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
-        QStringLiteral("/com.vantrel.photo/help");
-    QDir().mkpath(folder);
-    const QString page = folder + QStringLiteral("/user-guide.html");
-    QFile::remove(page);
-    if (!QFile::copy(QStringLiteral(":/text/user-guide.html"), page))
-        return;
-    QFile::setPermissions(page, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    QUrl url = QUrl::fromLocalFile(page);
-    url.setFragment(helpPageAnchor(actionText));
-    QDesktopServices::openUrl(url);
+    if (!helpWindow)
+        helpWindow = new MVHelpWindow(this);
+    helpWindow->showSection(helpPageAnchor(actionText));
 }
 
 void MainWindow::revealInFileBrowser(const QString& path)

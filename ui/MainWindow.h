@@ -12,6 +12,7 @@
 
 class ImageMod;
 class MVStartupWindow;
+class MVHelpWindow;
 class MVTabBar;
 class MVToolPanel;
 class MVSubWindow;
@@ -206,6 +207,7 @@ private:
 
     QWidget* central = nullptr;
     QPointer<MVStartupWindow> startupWindow;
+    QPointer<MVHelpWindow> helpWindow;
     std::vector<QAction*> menuActions;
     QAction* viewModeActions[3] = {nullptr, nullptr, nullptr};
     QAction* autohideAction = nullptr;
