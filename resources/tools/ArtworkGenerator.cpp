@@ -6,6 +6,7 @@
 #include "SampleScene.h"
 #include "StartupArt.h"
 #include "PanelArt.h"
+#include "TrayArt.h"
 #include "WindowArt.h"
 #include <QtCore/QDir>
 #include <QtGui/QGuiApplication>
@@ -108,6 +109,38 @@ int main(int argc, char** argv)
             ok &= writeImage(canvas.finish(), out + QStringLiteral("/img/") + QLatin1String(a.name) + suffix +
                                                   QStringLiteral(".png"), "PNG", -1);
         }
+    }
+    // The tray's nine-slice faces and small buttons: one file each, drawn at twice the logical
+    // size, which the style sheets' slice numbers expect.
+    const Artwork trayArt[] = {
+        {"traynode", 92, 65, [](QPainter& p) { drawTrayTile(p, "plain", 92, 65); }},
+        {"traynodesel", 92, 65, [](QPainter& p) { drawTrayTile(p, "plain_sel", 92, 65); }},
+        {"traynode_combo", 100, 65, [](QPainter& p) { drawTrayTile(p, "combo", 100, 65); }},
+        {"traynodesel_combo", 100, 65, [](QPainter& p) { drawTrayTile(p, "combo_sel", 100, 65); }},
+        {"traynode_camera", 92, 65, [](QPainter& p) { drawTrayTile(p, "camera", 92, 65); }},
+        {"traynode_selector", 99, 65, [](QPainter& p) { drawTrayTile(p, "selector", 99, 65); }},
+        {"traynode_selector_sel", 99, 65, [](QPainter& p) { drawTrayTile(p, "selector_sel", 99, 65); }},
+        {"traynodeclosebutton", 13, 13, [](QPainter& p) { drawTrayButton(p, "close", 13); }},
+        {"traynodeclosebuttondown", 13, 13, [](QPainter& p) { drawTrayButton(p, "close_down", 13); }},
+        {"traynodedisablebutton", 13, 13, [](QPainter& p) { drawTrayButton(p, "disable", 13); }},
+        {"traynodedisablebuttonhigh", 13, 13, [](QPainter& p) { drawTrayButton(p, "disable_high", 13); }},
+        {"traynodeenablebutton", 13, 13, [](QPainter& p) { drawTrayButton(p, "enable", 13); }},
+        {"traynodepinbutton", 13, 13, [](QPainter& p) { drawTrayButton(p, "pin", 13); }},
+        {"traynodepinbuttonhigh", 13, 13, [](QPainter& p) { drawTrayButton(p, "pin_high", 13); }},
+        {"traynodepinbuttondown", 13, 13, [](QPainter& p) { drawTrayButton(p, "pin_down", 13); }},
+        {"traynode_exit_combo", 22, 22, [](QPainter& p) { drawTrayButton(p, "exit", 22); }},
+        {"traynode_exit_combo_down", 22, 22, [](QPainter& p) { drawTrayButton(p, "exit_down", 22); }},
+        {"traynode_encloser", 160, 71, [](QPainter& p) { drawTrayEncloser(p, 160, 71); }},
+        {"tray_prev_overlay", 64, 53, [](QPainter& p) { drawTrayPreviewOverlay(p, 64, 53); }},
+        {"traynode_separator", 6, 50, [](QPainter& p) { drawTraySeparator(p, 6, 50, false); }},
+        {"traynode_section_separator", 6, 50, [](QPainter& p) { drawTraySeparator(p, 6, 50, true); }},
+        {"floating_menu_bg_plain", 48, 48, [](QPainter& p) { drawFloatingMenuBackground(p, 48, 48); }},
+    };
+    for (const Artwork& a : trayArt) {
+        ArtworkCanvas canvas(a.width, a.height, 2);
+        a.draw(canvas.painter());
+        ok &= writeImage(canvas.finish(), out + QStringLiteral("/img/") + QLatin1String(a.name) + QStringLiteral(".png"),
+                         "PNG", -1);
     }
     // The desktop icon in the sizes menus and file managers ask for (hicolor theme layout).
     for (int size : {16, 24, 32, 48, 64, 128, 256}) {
