@@ -106,9 +106,11 @@ public:
     std::vector<QPushButton*> miniButtons;
 
     // --- modal tools: crop and straighten, spot heal, media turns (ui/MainWindowTools.cpp) ---
-    // 0 "Crop/Straighten", 1 "Spot Heal"; a running tool of another kind ends first. Refuses with a
-    // message when there is no photo (and, for spot heal, on video).
-    void startTool(int toolID);
+    // startTool (declared with the panel) lives here: 0 "Crop/Straighten", 1 "Spot Heal"; a running
+    // tool of another kind ends first; refuses with a message without a photo (and on video).
+    // Lays the tile's on-canvas controls (points, frames, the white point pick) over the current
+    // viewer as nodeControls, replacing any before; none for null or while a tool runs.
+    void showOnCanvasControlsFor(ImageMod* mod);
     // The tool menu entries and Undo/Redo while a tool runs; true when the text was handled.
     bool toolMenuAction(const std::string& text);
     // A quarter turn of the current photo, one undo step; the crop turns with it.

@@ -51,6 +51,7 @@ void MainWindow::showControlsFor(ImageMod* mod)
     controlsOpacity->setOpacity(1.0);
     controlColumn->setVisible(mod && !panelControls.empty());
     controlHeightChanged();
+    showOnCanvasControlsFor(mod);
 }
 
 void MainWindow::controlHeightChanged()

@@ -7,11 +7,15 @@
 #include "mods/CropToolGeometry.h"
 #include "mods/ImageModCrop.h"
 #include "mods/ImageModSize2.h"
+#include "tools/MVFullScreenControl.h"
+#include "tools/OnCanvasControls.h"
 #include "ui/MVToolWidgetCrop.h"
 #include "ui/MVToolWidgetRetouch.h"
 #include "ui/TrayWidget.h"
 
 #include <QtCore/QPointer>
+
+#include <algorithm>
 
 namespace {
 
@@ -59,6 +63,27 @@ void MainWindow::commitCropToDocument(MVDocument& doc, std::unique_ptr<ImageMod>
 {
     if (doc.tray && crop)
         doc.tray->setHiddenMod(std::move(crop));
+}
+
+void MainWindow::showOnCanvasControlsFor(ImageMod* mod)
+{
+    std::vector<QWidget*> old = std::move(nodeControls);
+    nodeControls.clear();
+    for (QWidget* w : old)
+        delete w;
+    MVMediaWidget* viewer = currentViewer();
+    if (!mod || !viewer || activeTool)
+        return;
+    for (MVFullScreenControl* c : createOnCanvasControls(mod, viewer)) {
+        connect(c, &MVFullScreenControl::aboutToAdjust, this, [this] { controlAboutToBeAdjusted(); });
+        connect(c, &MVFullScreenControl::didAdjust, this, &MainWindow::controlAdjusted);
+        // A control goes with its viewer when the tab closes.
+        connect(c, &QObject::destroyed, this, [this, c] {
+            nodeControls.erase(std::remove(nodeControls.begin(), nodeControls.end(), static_cast<QWidget*>(c)),
+                               nodeControls.end());
+        });
+        nodeControls.push_back(c);
+    }
 }
 
 void MainWindow::startTool(int toolID)

@@ -4,7 +4,10 @@
 #include "document/MVMediaWidget.h"
 #include "core/ImageModVariableDataChoice.h"
 #include "mods/ImageModAspectRatio.h"
+#include "core/ImageModVariableDataPixel.h"
 #include "mods/ImageModCrop.h"
+#include "mods/ImageModVignette.h"
+#include "tools/MVPixelChooserControl.h"
 #include "ui/AppTheme.h"
 #include "ui/MVPushButton.h"
 #include "ui/MVToolWidgetCrop.h"
@@ -202,6 +205,42 @@ private slots:
         QCOMPARE(w.currentViewer()->outputPixelSize(), QSize(1920, 1080));
         tool->controlChanged(tool->doneButton);
         QVERIFY(tile->enabled);
+        QVERIFY(settle(w));
+    }
+
+    void selectedTileGetsItsOnCanvasControl()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        QVERIFY(w.loadFile(kPhoto));
+        QVERIFY(settle(w));
+        TrayWidget* tray = w.currentTray();
+        ImageModVignette vignette;
+        QVERIFY(tray->addMod(vignette) >= 0);
+        w.trayContentChanged();
+        tray->setSelected(0);
+        w.traySelectionChanged();
+        QCOMPARE(w.nodeControls.size(), size_t(1));
+        auto* handle = qobject_cast<MVPixelChooserControl*>(w.nodeControls[0]);
+        QVERIFY(handle);
+        QCOMPARE(handle->parentWidget(), static_cast<QWidget*>(w.currentViewer()));
+        QCOMPARE(handle->documentWidth, 1920);
+
+        // A click on the picture puts the centre there, as one undo step.
+        const int steps = tray->undoStack()->undoCount();
+        const QPoint at(int(handle->imageX + handle->imageWidth * 0.25), int(handle->imageY + handle->imageHeight * 0.5));
+        QTest::mouseClick(handle, Qt::LeftButton, Qt::NoModifier, at);
+        const ImageModVariableDataPixel* centre = tray->modAt(0)->pixelAt(3);
+        QVERIFY(centre && !centre->points.empty());
+        QVERIFY(std::abs(centre->points[0].x - 480.0f) < 4.0f);
+        QVERIFY(std::abs(centre->points[0].y - 540.0f) < 4.0f);
+        QCOMPARE(tray->undoStack()->undoCount(), steps + 1);
+        QVERIFY(settle(w));
+
+        // A tool takes the picture: the handle goes.
+        w.startTool(0);
+        QVERIFY(w.nodeControls.empty());
+        w.toolRequestedExit(w.activeTool);
         QVERIFY(settle(w));
     }
 
