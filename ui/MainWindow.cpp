@@ -278,6 +278,7 @@ void MainWindow::buildMenus()
 
     for (QMenu* m : {file, edit, editSub, view, help})
         connect(m, &QMenu::triggered, this, &MainWindow::menuTriggered);
+    setupSaveArea(file, edit);
 
     // Actions on the window only, without a menu entry.
     addWindowAction("Quicklook Presets (Append)", {QKeySequence(QStringLiteral("Shift+F"))});
@@ -552,6 +553,7 @@ void MainWindow::layoutWindow()
 
     layoutPanes(area);
     controlHeightChanged();
+    placePluginButton();
 }
 
 void MainWindow::layoutPanes(const QRect& area)
@@ -697,13 +699,13 @@ void MainWindow::menuTriggered(QAction* act)
     const std::string t = act->text().toUtf8().toStdString();
     MVMediaWidget* viewer = currentViewer();
     MVDocument* doc = currentDocument < documentCount ? &documents[size_t(currentDocument)] : nullptr;
+    if (saveAreaMenuTriggered(t, act))
+        return;
 
     if (t == "Load Photo...") {
         showLoadDialog();
     } else if (t == "New Tab") {
         newTabButtonPressed();
-    } else if (t == "Save As..." || t == "Save Over Original" || t == "Batch Process Folder...") {
-        // The save flow and the batch wizard come with their own windows.
     } else if (t == "Close Photo") {
         if (doc) {
             doc->viewer->clearMedia();
@@ -757,7 +759,7 @@ void MainWindow::menuTriggered(QAction* act)
         setInterfaceState(panelVisible, !trayVisible);
     } else if (t == "Show/Hide Tool Panel") {
         setInterfaceState(!panelVisible, trayVisible);
-    } else if (t == "Show/Hide Render Queue" || t == "Show/Hide Pixel Inspector") {
+    } else if (t == "Show/Hide Pixel Inspector") {
         // Sub windows of their own.
     } else if (t == "Luminance Histogram") {
         toggleHistogramView(0);
@@ -850,6 +852,13 @@ void MainWindow::hideTrayButtonPressed()
 int MainWindow::showMessage(const QString& title, const QString& text, const QString& button1, const QString& button2,
                             const QString& button3)
 {
+    if (messageHook) {
+        QStringList captions;
+        for (const QString& caption : {button1, button2, button3})
+            if (!caption.isEmpty())
+                captions << caption;
+        return messageHook(title, text, captions);
+    }
     QMessageBox box(this);
     box.setWindowTitle(title);
     box.setText(text);
@@ -1064,6 +1073,8 @@ void MainWindow::dropEvent(QDropEvent* e)
         const std::string utf8 = path.toUtf8().toStdString();
         if (QFileInfo(path).suffix().compare(QLatin1String("vnf"), Qt::CaseInsensitive) == 0)
             loadFilterSlot(path, !(e->keyboardModifiers() & Qt::ShiftModifier));
+        else if (QFileInfo(path).suffix().compare(QLatin1String("cube"), Qt::CaseInsensitive) == 0)
+            addLutTile(path);
         else if (IsLoadableImagePath(utf8) || isNativeImagePath(utf8))
             loadFile(path);
         else
@@ -1143,11 +1154,7 @@ void MainWindow::controlHeightChanged()
 
 // Parts of the window that arrive with their own subsystems: plug-in hand-back, tools, the render
 // queue, previews, the tray and its controls, the video shuttle.
-void MainWindow::sendToPluginHost() {}
-void MainWindow::loadFilterSlot(QString, bool) {}
 void MainWindow::toolRequestedExit(MVToolWidget*) { activeTool = nullptr; }
-void MainWindow::cancelRenderQueueItem(int) {}
-void MainWindow::processingInfoTimerFired() {}
 void MainWindow::previewProcessorTimerFired() {}
 void MainWindow::traySelectionChanged() {}
 void MainWindow::controlHovered(QWidget*) {}
@@ -1171,6 +1178,5 @@ void MainWindow::previousPresetButtonPressed() {}
 void MainWindow::previewButtonPressed() {}
 void MainWindow::deleteNodesButtonPressed() {}
 void MainWindow::previewVideoButtonPressed() {}
-void MainWindow::cancelProcessingButtonPressed() {}
 void MainWindow::nodeControlAnimationTimerFired() {}
 void MainWindow::displayFinishedUpdating() {}

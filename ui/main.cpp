@@ -33,6 +33,11 @@ int main(int argc, char** argv)
     mainWindow->hide();
     app.mainWindow = mainWindow;
 
+    bool pluginRequested = false;
+    const QString pluginID = AppStartup::pickPluginID(argc, argv, &pluginRequested);
+    if (pluginRequested)
+        mainWindow->setPluginMode(pluginID);
+
     const QByteArray path = AppStartup::pickStartupFile(app.pendingFiles, argc, argv);
     if (AppStartup::isOpenableFile(path))
         mainWindow->loadFile(QString::fromUtf8(path));
