@@ -4,7 +4,8 @@ set -euo pipefail
 pkgs=(cmake g++ pkg-config ccache qtbase5-dev qtbase5-dev-tools
       libopenimageio-dev libexiv2-dev liblcms2-dev libtbb-dev libfreetype-dev libfontconfig-dev
       libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth ttf-bitstream-vera
-      libjpeg62-turbo-dev libxcb1-dev clang libclang-rt-14-dev)
+      libjpeg62-turbo-dev libxcb1-dev clang libclang-rt-14-dev
+      desktop-file-utils shared-mime-info libxml2-utils man-db)
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

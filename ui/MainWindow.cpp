@@ -1,4 +1,5 @@
 #include "ui/MainWindow.h"
+#include "ui/MVHelpWindow.h"
 
 #include "desktop_only/MediaCodec.h"
 #include "desktop_only/MediaLoading.h"
@@ -17,6 +18,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QUrl>
 #include <QtDBus/QDBusConnection>
@@ -354,6 +356,7 @@ void MainWindow::addDocument()
     connect(doc.viewer, &MVMediaWidget::emptyClickSignal, this, &MainWindow::onEmptyClick);
     connect(doc.viewer, &MVMediaWidget::imageRepositionedSignal, this, &MainWindow::onImageRepositioned);
     connect(doc.viewer, &MVMediaWidget::displayUpdatedSignal, this, &MainWindow::displayFinishedUpdating);
+    attachTray(doc);
     doc.divider = new qtWidgetDivider(central);
     connect(doc.divider, &qtWidgetDivider::dividerMoved, this, &MainWindow::tabDividerAdjusted);
     documents.push_back(std::move(doc));
@@ -373,6 +376,7 @@ void MainWindow::closeDocumentAt(int index)
     MVDocument& doc = documents[size_t(index)];
     doc.viewer->clearMedia();
     tabBar->removeTab(doc.tabID);
+    detachTray(doc);
     delete doc.viewer;
     delete doc.divider;
     documents.erase(documents.begin() + index);
@@ -428,17 +432,12 @@ bool MainWindow::displaySettled() const
     return true;
 }
 
-void MainWindow::handListToViewer(MVDocument& doc)
-{
-    // The tray supplies the tiles; without one the list is empty and the photo shows as loaded.
-    doc.viewer->setMods({});
-}
-
 bool MainWindow::loadFile(const QString& path)
 {
     if (currentDocument < 0 || currentDocument >= documentCount)
         return false;
     MVDocument& doc = documents[size_t(currentDocument)];
+    resetTrayForNewMedia(doc);
     const std::string utf8 = path.toUtf8().toStdString();
     MediaLoadStatus status = MediaLoadStatus::UnsupportedType;
     bool ok = false;
@@ -552,6 +551,7 @@ void MainWindow::layoutWindow()
                                               : QStringLiteral(":/img/minib_icon_show_t.png")));
 
     layoutPanes(area);
+    layoutTray();
     controlHeightChanged();
     placePluginButton();
 }
@@ -697,6 +697,8 @@ void MainWindow::menuTriggered(QAction* act)
     if (!act)
         return;
     const std::string t = act->text().toUtf8().toStdString();
+    if (trayMenuAction(t))
+        return;
     MVMediaWidget* viewer = currentViewer();
     MVDocument* doc = currentDocument < documentCount ? &documents[size_t(currentDocument)] : nullptr;
     if (saveAreaMenuTriggered(t, act))
@@ -711,6 +713,7 @@ void MainWindow::menuTriggered(QAction* act)
             doc->viewer->clearMedia();
             doc->filePath.clear();
             doc->mediaInfo = LoadedMediaInfo();
+            resetTrayForNewMedia(*doc);
             setWindowFilePath(QString());
             if (documentCount >= 2)
                 closeDocumentAt(currentDocument);
@@ -722,8 +725,6 @@ void MainWindow::menuTriggered(QAction* act)
             revealInFileBrowser(doc->filePath);
     } else if (t == "Load Next" || t == "Load Previous") {
         // Stepping through the folder comes with the document flow.
-    } else if (t == "Load Filter..." || t == "Export Filter...") {
-        // Filter files need the tray.
     } else if (t == "Save Filter to Presets...") {
         saveFavoriteFilterPrompt();
     } else if (t == "Reveal Presets Folder") {
@@ -732,8 +733,6 @@ void MainWindow::menuTriggered(QAction* act)
         QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
     } else if (t == "Crop/Straighten" || t == "Rotate Left" || t == "Rotate Right") {
         // The crop tool and the media turns come with the tools.
-    } else if (t == "Undo" || t == "Redo") {
-        // The undo stack comes with the tray.
     } else if (t == "Quicklook Presets" || t == "Quicklook Presets (Append)") {
         // The quicklook chooser comes with the previews.
     } else if (t == "Toggle Original") {
@@ -746,8 +745,6 @@ void MainWindow::menuTriggered(QAction* act)
         // The preset index is rand(); the step takes it modulo the count once presets are listed.
         (void)std::rand();
         nextPresetButtonPressed();
-    } else if (t == "Remix Up" || t == "Remix Down" || t == "Nest Selected Tiles" || t == "Unnest Selected Tile") {
-        // Tray operations.
     } else if (t == "Zoom To 100%") {
         zoomCurrent(1.0f);
     } else if (t == "Zoom To Fit") {
@@ -852,13 +849,8 @@ void MainWindow::hideTrayButtonPressed()
 int MainWindow::showMessage(const QString& title, const QString& text, const QString& button1, const QString& button2,
                             const QString& button3)
 {
-    if (messageHook) {
-        QStringList captions;
-        for (const QString& caption : {button1, button2, button3})
-            if (!caption.isEmpty())
-                captions << caption;
-        return messageHook(title, text, captions);
-    }
+    if (messageHook)
+        return messageHook(title, text, QStringList{button1, button2, button3}.filter(QRegularExpression(QStringLiteral("."))));
     QMessageBox box(this);
     box.setWindowTitle(title);
     box.setText(text);
@@ -872,6 +864,10 @@ int MainWindow::showMessage(const QString& title, const QString& text, const QSt
 
 void MainWindow::showNotice(const QString& title, const QString& text)
 {
+    if (messageHook) {
+        messageHook(title, text, {QStringLiteral("OK")});
+        return;
+    }
     auto* box = new QMessageBox(this);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowTitle(title);
@@ -952,30 +948,18 @@ QString MainWindow::helpPageAnchor(const QString& actionText)
 {
     if (actionText == QLatin1String("Send Feedback"))
         return QStringLiteral("feedback");
-    if (actionText == QLatin1String("Sign Up For The Newsletter"))
-        return QStringLiteral("newsletter");
-    if (actionText == QLatin1String("Follow Us On Social Media"))
-        return QStringLiteral("community");
-    if (actionText == QLatin1String("Vantrel News"))
+    // The guide is read offline: news, newsletter and community share its last section.
+    if (actionText == QLatin1String("Sign Up For The Newsletter") ||
+        actionText == QLatin1String("Follow Us On Social Media") || actionText == QLatin1String("Vantrel News"))
         return QStringLiteral("news");
     return QStringLiteral("start");
 }
 
 void MainWindow::openHelpPage(const QString& actionText)
 {
-    // The guide ships inside the program; it is written out once to the cache folder and opened
-    // there, so the browser gets a plain local file.
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
-        QStringLiteral("/com.vantrel.photo/help");
-    QDir().mkpath(folder);
-    const QString page = folder + QStringLiteral("/user-guide.html");
-    QFile::remove(page);
-    if (!QFile::copy(QStringLiteral(":/text/user-guide.html"), page))
-        return;
-    QFile::setPermissions(page, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    QUrl url = QUrl::fromLocalFile(page);
-    url.setFragment(helpPageAnchor(actionText));
-    QDesktopServices::openUrl(url);
+    if (!helpWindow)
+        helpWindow = new MVHelpWindow(this);
+    helpWindow->showSection(helpPageAnchor(actionText));
 }
 
 void MainWindow::revealInFileBrowser(const QString& path)
@@ -1009,7 +993,7 @@ void MainWindow::keyPressEvent(QKeyEvent* e)
     case Qt::Key_Backspace:
     case Qt::Key_Delete:
         if (!activeTool)
-            deleteNodesButtonPressed();
+            deleteSelectedTiles();
         return;
     case Qt::Key_Escape:
     case Qt::Key_Return:
@@ -1017,7 +1001,7 @@ void MainWindow::keyPressEvent(QKeyEvent* e)
         if (activeTool)
             toolRequestedExit(activeTool);
         else
-            traySelectionChanged();
+            clearTraySelection();
         return;
     case Qt::Key_Up:
         previousPresetButtonPressed();
@@ -1135,18 +1119,6 @@ void MainWindow::toggleHistogramView(int)
         v->requestProcessing();
 }
 
-void MainWindow::trayContentChanged()
-{
-    if (MVMediaWidget* v = currentViewer()) {
-        {
-            std::lock_guard<std::mutex> lock(v->stateMutex);
-            v->flushCache = true;
-        }
-        handListToViewer(documents[size_t(currentDocument)]);
-    }
-    updateWindowTitle();
-}
-
 void MainWindow::controlHeightChanged()
 {
     // The control column of the selected tile sits above the tray; none is shown without a tray.
@@ -1156,7 +1128,6 @@ void MainWindow::controlHeightChanged()
 // queue, previews, the tray and its controls, the video shuttle.
 void MainWindow::toolRequestedExit(MVToolWidget*) { activeTool = nullptr; }
 void MainWindow::previewProcessorTimerFired() {}
-void MainWindow::traySelectionChanged() {}
 void MainWindow::controlHovered(QWidget*) {}
 void MainWindow::controlAdjusted(QWidget*) {}
 void MainWindow::controlRightClicked(QWidget*) {}
@@ -1170,13 +1141,11 @@ void MainWindow::deleteFavoriteClicked(QString) {}
 void MainWindow::imageModHovered(ImageMod*) {}
 void MainWindow::filterPreviewChosen(QString) {}
 void MainWindow::previewSectionEnabled(int, QString, bool) {}
-void MainWindow::saveFavoriteFilterPrompt() {}
 void MainWindow::onImageRepositioned() {}
 void MainWindow::videoShuttleUpdateRequest(VideoLoaderSaverTime) {}
 void MainWindow::nextPresetButtonPressed() {}
 void MainWindow::previousPresetButtonPressed() {}
 void MainWindow::previewButtonPressed() {}
-void MainWindow::deleteNodesButtonPressed() {}
 void MainWindow::previewVideoButtonPressed() {}
 void MainWindow::nodeControlAnimationTimerFired() {}
 void MainWindow::displayFinishedUpdating() {}

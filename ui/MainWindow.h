@@ -14,6 +14,7 @@
 
 class ImageMod;
 class MVStartupWindow;
+class MVHelpWindow;
 class MVTabBar;
 class MVToolPanel;
 class MVSubWindow;
@@ -27,6 +28,7 @@ class RenderQueue;
 class SaveSizeWindow;
 class MVRenderQueueWindow;
 class XmlPreferencesWindow;
+class TrayWidget;
 
 // The single top window and the switchboard of the program: it owns the documents and panels,
 // builds the menus (whose action texts are the keys of the dispatch) and places every child by
@@ -91,6 +93,30 @@ public:
     QPushButton* newTabButton = nullptr;
     std::vector<QPushButton*> miniButtons;
 
+    // --- tray, undo and filter files (ui/MainWindowTray.cpp) ---
+    TrayWidget* currentTray() const;
+    // Shows the controls of the current tray's selected tile (none when nothing is selected).
+    void rebuildControls();
+    // The controls column for one tile; null clears it (ui/MainWindowControls.cpp).
+    void showControlsFor(ImageMod* mod);
+    // The load-filter flow: replaces the tiles (pinned ones stay) or appends; a damaged or newer
+    // file keeps what could be read and says so. True when the file read cleanly.
+    bool loadFilterFile(const QString& path, bool removeTrayNodes);
+    bool exportFilterTo(const QString& path);
+    void deleteSelectedTiles();
+    void clearTraySelection();
+    // A text question with a title, prompt, field label, default and two captions; false on cancel.
+    bool askForText(const QString& title, const QString& prompt, const QString& fieldLabel, const QString& defaultText,
+                    const QString& okCaption, const QString& cancelCaption, QString& answer);
+    // An open or save file dialog.
+    QString chooseFile(bool save, const QString& title, const QString& start, const QString& filter);
+    // When set, messages, questions and file dialogs go here instead of modal dialogs (tests).
+    std::function<int(const QString& title, const QString& text, const QStringList& buttons)> messageHook;
+    std::function<bool(const QString& title, const QString& prompt, const QString& fieldLabel, const QString& defaultText,
+                       const QString& okCaption, const QString& cancelCaption, QString& answer)>
+        askTextHook;
+    std::function<QString(bool save, const QString& title, const QString& start, const QString& filter)> fileDialogHook;
+
     // --- Saving, batch, render queue, preferences, LUT files and plug-in hand-back (MainWindowSave.cpp) ---
     // The dialogs the save and batch flows ask through; tests answer them instead.
     struct SaveFlowDialogs {
@@ -100,8 +126,6 @@ public:
         std::function<QString(const QString& title, const QString& start)> askFolder;
     };
     SaveFlowDialogs saveDialogs;
-    // When set, showMessage hands the message here instead of opening a box.
-    std::function<int(const QString& title, const QString& text, const QStringList& buttons)> messageHook;
     std::shared_ptr<RenderQueue> renderQueue;
     QTimer* processingInfoTimer = nullptr;
     QPushButton* sendToPluginButton = nullptr;
@@ -213,15 +237,21 @@ private:
     void storePreferences();
     void restoreWindowGeometry();
     void layoutPanes(const QRect& area);
+    // --- tray (ui/MainWindowTray.cpp) ---
+    bool trayMenuAction(const std::string& text);
+    void attachTray(MVDocument& doc);
+    void detachTray(MVDocument& doc);
+    void resetTrayForNewMedia(MVDocument& doc);
+    void layoutTray();
     // Saving area: the queue, its window and timer, the plug-in button, the extra menu entries.
     void setupSaveArea(QMenu* fileMenu, QMenu* editMenu);
     // The menu texts of the saving area; false when t isn't one of them.
     bool saveAreaMenuTriggered(const std::string& t, QAction* act);
-    void setCurrentMods(const std::vector<ImageMod*>& list);
     void placePluginButton();
 
     QWidget* central = nullptr;
     QPointer<MVStartupWindow> startupWindow;
+    QPointer<MVHelpWindow> helpWindow;
     std::vector<QAction*> menuActions;
     QAction* viewModeActions[3] = {nullptr, nullptr, nullptr};
     QAction* autohideAction = nullptr;

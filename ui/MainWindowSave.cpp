@@ -5,7 +5,6 @@
 #include "cli/CliBatch.h"
 #include "core/ImageModVariable.h"
 #include "core/ImageModVariableDataFile.h"
-#include "core/ModCatalogue.h"
 #include "desktop_only/RenderAndSave.h"
 #include "document/MVMediaWidget.h"
 #include "document/core/HeadlessRender.h"
@@ -19,6 +18,7 @@
 #include "mods/ImageModLUT3DTable.h"
 #include "ui/MVRenderQueueWindow.h"
 #include "ui/SaveSizeWindow.h"
+#include "ui/TrayWidget.h"
 #include "ui/XmlPreferencesWindow.h"
 
 #include <QtCore/QDir>
@@ -81,10 +81,10 @@ void MainWindow::setupSaveArea(QMenu* fileMenu, QMenu* editMenu)
 {
     saveDialogs.runOptions = [](SaveSizeWindow& dialog) { return dialog.exec() == QDialog::Accepted; };
     saveDialogs.askSavePath = [this](const QString& title, const QString& start, const QString& filter) {
-        return QFileDialog::getSaveFileName(this, title, start, filter);
+        return chooseFile(true, title, start, filter);
     };
     saveDialogs.askOpenPath = [this](const QString& title, const QString& start, const QString& filter) {
-        return QFileDialog::getOpenFileName(this, title, start, filter);
+        return chooseFile(false, title, start, filter);
     };
     saveDialogs.askFolder = [this](const QString& title, const QString& start) {
         return QFileDialog::getExistingDirectory(this, title, start);
@@ -155,22 +155,13 @@ bool MainWindow::saveAreaMenuTriggered(const std::string& t, QAction*)
 std::vector<std::unique_ptr<ImageMod>> MainWindow::currentModClones()
 {
     std::vector<std::unique_ptr<ImageMod>> clones;
-    MVMediaWidget* v = currentViewer();
-    if (!v)
-        return clones;
-    // The viewer holds clones of the document's flat list; copy them under its lock.
-    std::lock_guard<std::mutex> lock(v->stateMutex);
-    clones.reserve(v->mods.size());
-    for (const auto& m : v->mods)
-        if (m)
-            clones.push_back(cloneMod(*m));
+    // Everything the tray runs, "Toggle Original" or not: a save always takes the whole look.
+    if (TrayWidget* tray = currentTray()) {
+        for (ImageMod* m : tray->flatModList(false))
+            if (m)
+                clones.push_back(cloneMod(*m));
+    }
     return clones;
-}
-
-void MainWindow::setCurrentMods(const std::vector<ImageMod*>& list)
-{
-    if (MVMediaWidget* v = currentViewer())
-        v->setMods(list);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -438,14 +429,18 @@ bool MainWindow::addLutTile(const QString& path)
                         fromUtf8(message));
         return false;
     }
-    auto lut = std::make_unique<ImageModLUT3D>();
-    if (ImageModVariable* file = lut->variableAt(ImageModLUT3D::fileIndex))
+    TrayWidget* tray = currentTray();
+    if (!tray)
+        return false;
+    ImageModLUT3D lut;
+    if (ImageModVariable* file = lut.variableAt(ImageModLUT3D::fileIndex))
         if (auto* data = static_cast<ImageModVariableDataFile*>(file->variableAs(kVariableFile)))
             data->path = utf8(path);
-    lut->setTable(std::move(table), utf8(path));
-    std::vector<std::unique_ptr<ImageMod>> mods = currentModClones();
-    mods.push_back(std::move(lut));
-    setCurrentMods(rawList(mods));
+    lut.setTable(std::move(table), utf8(path));
+    tray->pushSequenceUndo();
+    if (tray->addMod(lut) < 0)
+        return false;
+    trayContentChanged();
     return true;
 }
 
@@ -491,43 +486,21 @@ void MainWindow::placePluginButton()
 void MainWindow::sendToPluginHost()
 {
     const QByteArray id = pluginCallID.isEmpty() ? QByteArray("NULLID") : pluginCallID.toUtf8();
-    const std::vector<std::unique_ptr<ImageMod>> mods = currentModClones();
-    if (mods.empty()) {
+    TrayWidget* tray = currentTray();
+    // The file keeps the tray's structure (groups stay groups); disabled tiles count as tiles.
+    const std::vector<const ImageMod*> tiles = tray ? tray->rootTiles() : std::vector<const ImageMod*>{};
+    if (tiles.empty()) {
         std::fprintf(pluginOutput, "pluginreturn -clearmods -id %s\n", id.constData());
         std::fflush(pluginOutput);
         return;
     }
     const QString path = pluginReturnFilterPath();
     QDir().mkpath(QFileInfo(path).absolutePath());
-    if (!writeFilter(mods, utf8(path))) {
+    if (!writeFilter(tiles, utf8(path))) {
         showMessage(QStringLiteral("Processing Error"),
                     QStringLiteral("The filter could not be written to ") + path + QLatin1Char('.'));
         return;
     }
     std::fprintf(pluginOutput, "pluginreturn -filter %s -id %s\n", path.toUtf8().constData(), id.constData());
     std::fflush(pluginOutput);
-}
-
-void MainWindow::loadFilterSlot(QString fileName, bool removeTrayNodes)
-{
-    if (removeTrayNodes && fileName.isEmpty()) {
-        setCurrentMods({});
-        trayContentChanged();
-        return;
-    }
-    const ModCatalogueContents catalogue = buildModCatalogue();
-    int32_t status = kFilterReadOk;
-    const ModList read = readFilter(utf8(fileName), catalogue.mods, status);
-    if (read.empty()) {
-        showMessage(QStringLiteral("Can't Load Filter"),
-                    QStringLiteral("Vantrel can't read the filter in ") + QFileInfo(fileName).fileName() +
-                        QLatin1Char('.'));
-        return;
-    }
-    std::vector<std::unique_ptr<ImageMod>> mods;
-    if (!removeTrayNodes)
-        mods = currentModClones();
-    for (const auto& m : read)
-        mods.push_back(cloneMod(*m));
-    setCurrentMods(rawList(mods));
 }

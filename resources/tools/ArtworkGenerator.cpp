@@ -85,6 +85,14 @@ int main(int argc, char** argv)
                                                   QStringLiteral(".png"), "PNG", -1);
         }
     }
+    // The desktop icon in the sizes menus and file managers ask for (hicolor theme layout).
+    for (int size : {16, 24, 32, 48, 64, 128, 256}) {
+        ArtworkCanvas canvas(size, size, 1);
+        const qreal inset = size * 2.0 / 64.0;
+        drawEmblem(canvas.painter(), QRectF(inset, inset, size - 2 * inset, size - 2 * inset));
+        ok &= writeImage(canvas.finish(),
+                         out + QStringLiteral("/desktop/icons/hicolor/%1x%1/apps/vantrel.png").arg(size), "PNG", -1);
+    }
     ok &= writeImage(renderSampleScene(), out + QStringLiteral("/sample/sample.jpg"), "JPEG", 88);
     return ok ? 0 : 1;
 }

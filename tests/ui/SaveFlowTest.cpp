@@ -15,6 +15,7 @@
 #include "ui/MVRenderQueueWindow.h"
 #include "ui/MainWindow.h"
 #include "ui/SaveSizeWindow.h"
+#include "ui/TrayWidget.h"
 #include "ui/XmlPreferencesWindow.h"
 
 #include <QtCore/QCryptographicHash>
@@ -115,6 +116,18 @@ private:
         return mods;
     }
 
+    // Puts the tiles in the current tray, as a person would have built them.
+    static void putInTray(MainWindow& w, const std::vector<ImageMod*>& mods)
+    {
+        TrayWidget* tray = w.currentTray();
+        QVERIFY(tray);
+        tray->clearTray(false);
+        for (ImageMod* m : mods)
+            QVERIFY(tray->addMod(*m) >= 0);
+        QCOMPARE(tray->tileCount(), int(mods.size()));
+        w.trayContentChanged();
+    }
+
     static std::vector<ImageMod*> raw(const std::vector<std::unique_ptr<ImageMod>>& mods)
     {
         std::vector<ImageMod*> list;
@@ -157,7 +170,7 @@ private slots:
         QVERIFY(w.loadFile(kSmall));
         auto mods = look();
         QVERIFY(!mods.empty());
-        w.currentViewer()->setMods(raw(mods));
+        putInTray(w, raw(mods));
         QVERIFY(!MultiData::global().contains("LastImageSaveQuality"));
         QString quality, width, height, type;
         bool postfixShown = true;
@@ -213,7 +226,7 @@ private slots:
         log.attach(w);
         QVERIFY(w.loadFile(kSmall));
         auto mods = look();
-        w.currentViewer()->setMods(raw(mods));
+        putInTray(w, raw(mods));
         w.saveDialogs.runOptions = [](SaveSizeWindow& d) {
             d.typeField->setCurrentIndex(1); // "PNG Image": no loss, so pixels compare exactly
             return true;
@@ -238,7 +251,9 @@ private slots:
 
         FlexImageFloat source(1, 1, 4), expected(1, 1, 4), written(1, 1, 4);
         QVERIFY(LoadMediaFile(source, kSmall.toStdString(), nullptr));
-        QVERIFY(renderFullSize(source, raw(mods), expected));
+        const auto trayTiles = w.currentModClones();
+        QCOMPARE(trayTiles.size(), mods.size());
+        QVERIFY(renderFullSize(source, raw(trayTiles), expected));
         QVERIFY(LoadMediaFile(written, saved.toStdString(), nullptr));
         QCOMPARE(written.width, 560);
         QCOMPARE(written.height, 400);
@@ -307,7 +322,7 @@ private slots:
         ImageModCrop crop;
         crop.variableAt(1)->setFloatValue(0.7f);
         crop.variableAt(2)->setFloatValue(0.6f);
-        w.currentViewer()->setMods({&crop});
+        putInTray(w, {&crop});
         log.seen.clear();
         log.answer = 0;
         QVERIFY(w.triggerActionByText(QStringLiteral("Save Over Original")));
@@ -318,7 +333,7 @@ private slots:
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("mine.jpg")}); // no leftovers
 
         // Without the tile the same save goes through and replaces the file.
-        w.currentViewer()->setMods({});
+        putInTray(w, {});
         log.seen.clear();
         QVERIFY(w.triggerActionByText(QStringLiteral("Save Over Original")));
         QVERIFY(log.seen.empty());
@@ -341,7 +356,7 @@ private slots:
         log.attach(w);
         auto mods = look();
         QVERIFY(!mods.empty());
-        w.currentViewer()->setMods(raw(mods));
+        putInTray(w, raw(mods));
         QStringList folderTitles;
         w.saveDialogs.askFolder = [&](const QString& title, const QString&) {
             folderTitles << title;

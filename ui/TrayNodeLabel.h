@@ -1,0 +1,32 @@
+#pragma once
+#include <QtCore/QByteArray>
+#include <QtWidgets/QLabel>
+
+// The painted name of a tile: word-wrapped from the top left, inset from the tile's edges, with
+// an opacity for fading.
+class TrayNodeLabel : public QLabel {
+    Q_OBJECT
+public:
+    static constexpr int insetX = 10;
+    static constexpr int insetTop = 16;
+
+    explicit TrayNodeLabel(QWidget* parent = nullptr);
+
+    void setLabelText(const QString& text);
+    QString labelText() const { return QString::fromUtf8(utf8); }
+    void setOpacity(float o);
+    float opacity() const { return labelOpacity; }
+    void setInset(int pixels) { inset = pixels; }
+    // Places the label inside a tile of this width, taller by 5 pixels for two lines or more.
+    void placeIn(int tileWidth, int tileHeight);
+    // Lines the text takes at the label's width.
+    int lineCount() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QByteArray utf8;
+    float labelOpacity = 1.0f;
+    int inset = insetX;
+};
