@@ -300,6 +300,9 @@ void MainWindow::batchFlow()
         return;
     prefs.setString(kLastBatchSaveDir, utf8(output));
 
+    // A new batch starts a fresh list of failures unless it joins one under way.
+    if (!renderQueue->isRunning())
+        renderQueue->clearHistory();
     const std::vector<std::unique_ptr<ImageMod>> mods = currentModClones();
     const std::vector<ImageMod*> list = rawList(mods);
     for (const std::string& file : files) {
@@ -312,7 +315,6 @@ void MainWindow::batchFlow()
         item.setMods(list);
         renderQueue->addItem(std::move(item));
     }
-    renderQueue->clearHistory();
     renderQueue->start();
     processingInfoTimer->start();
     processingInfoTimerFired();

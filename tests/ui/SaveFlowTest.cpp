@@ -83,6 +83,14 @@ std::unique_ptr<ImageMod> tile(const ModCatalogue& catalogue, const char* name, 
 }
 
 // The editor's 8-bit file sample of a rendered float: truncate(v * 257), high byte.
+// With VANTREL_SHOT_DIR set, a picture of the widget for looking at.
+void saveShot(QWidget& w, const char* name)
+{
+    const QByteArray dir = qgetenv("VANTREL_SHOT_DIR");
+    if (!dir.isEmpty())
+        w.grab().save(QString::fromLocal8Bit(dir) + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".png"));
+}
+
 int fileSample(float v)
 {
     const double scaled = double(v) * 257.0;
@@ -180,6 +188,8 @@ private slots:
             height = d.heightField->text();
             type = d.typeField->currentText();
             postfixShown = d.postfixField->isVisibleTo(&d);
+            d.show();
+            saveShot(d, "save_dialog");
             return false; // Cancel ends the flow
         };
         bool pathAsked = false;
@@ -370,6 +380,8 @@ private slots:
             postfix = d.postfixField->text();
             sizeHidden = !d.widthField->isVisibleTo(&d) && !d.heightField->isVisibleTo(&d);
             d.typeField->setCurrentIndex(1);
+            d.show();
+            saveShot(d, "batch_options");
             return true;
         };
         QVERIFY(w.triggerActionByText(QStringLiteral("Batch Process Folder...")));
@@ -403,6 +415,37 @@ private slots:
         QVERIFY(w.triggerActionByText(QStringLiteral("Batch Process Folder...")));
         QCOMPARE(log.titles(), (QStringList{QStringLiteral("Choose Input Folder"), QStringLiteral("No media found")}));
         QCOMPARE(log.seen[1].text, QStringLiteral("No media was found to batch process."));
+    }
+
+    // Only for looking at: twenty larger photos, the window caught while they run.
+    void lookAtTheQueueDuringABatch()
+    {
+        if (qEnvironmentVariableIsEmpty("VANTREL_SHOT_DIR"))
+            QSKIP("set VANTREL_SHOT_DIR to take the picture");
+        const QString photo = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
+        QTemporaryDir in, out;
+        for (int i = 0; i < 20; ++i)
+            QVERIFY(QFile::copy(photo, in.filePath(QStringLiteral("forest_%1.jpg").arg(i, 2, 10, QLatin1Char('0')))));
+        QVERIFY(QFile::copy(photo, in.filePath(QStringLiteral("broken.jpg"))));
+        QFile broken(in.filePath(QStringLiteral("broken.jpg")));
+        QVERIFY(broken.open(QIODevice::ReadWrite));
+        broken.resize(600); // cut short: its load fails and the queue lists it
+        broken.close();
+        MainWindow w(AppTheme::styleSheet());
+        MessageLog log;
+        log.attach(w);
+        auto mods = look();
+        putInTray(w, raw(mods));
+        w.saveDialogs.askFolder = [&, n = 0](const QString&, const QString&) mutable {
+            return ++n == 1 ? in.path() : out.path();
+        };
+        w.saveDialogs.runOptions = [](SaveSizeWindow&) { return true; };
+        QVERIFY(w.triggerActionByText(QStringLiteral("Batch Process Folder...")));
+        QVERIFY(QTest::qWaitFor([&w] { return w.renderQueue->snapshot().finished >= 3; }, 120000));
+        QTest::qWait(600); // one more tick of the progress timer
+        saveShot(*w.queueWindow(), "render_queue");
+        w.renderQueue->cancelAll();
+        QVERIFY(w.renderQueue->waitUntilIdle(120000));
     }
 
     void theQueueWindowShowsProgressRowsAndFailures()
