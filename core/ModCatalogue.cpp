@@ -13,6 +13,7 @@
 #include "mods/ImageModAspectRatio.h"
 #include "mods/ImageModAutoEnhance.h"
 #include "mods/ImageModBlur.h"
+#include "mods/ImageModBorderFile.h"
 #include "mods/ImageModBorderFillout.h"
 #include "mods/ImageModBorderPlain.h"
 #include "mods/ImageModBrightness.h"
@@ -32,6 +33,7 @@
 #include "mods/ImageModHighlights.h"
 #include "mods/ImageModHueBrightness.h"
 #include "mods/ImageModHueShift.h"
+#include "mods/ImageModImageOverlay.h"
 #include "mods/ImageModLabCurves.h"
 #include "mods/ImageModLensFlare.h"
 #include "mods/ImageModLightleak.h"
@@ -50,17 +52,13 @@
 #include "mods/ImageModSharpen.h"
 #include "mods/ImageModSplitTone.h"
 #include "mods/ImageModStuckPixel.h"
+#include "mods/ImageModTextOverlay.h"
 #include "mods/ImageModToneCurve.h"
 #include "mods/ImageModVignette.h"
 #include "mods/ImageModWhitePoint.h"
 #include "mods/styles/CameraStyles.h"
 
 #include <iterator>
-
-// Tiles of the panel tables whose classes the program doesn't have yet; their rows join as the
-// classes arrive, never as stand-ins:
-//   Borders:        ImageModBorderFileCustom, the fourteen ImageModBorderFile
-//   Utility:        ImageModTextOverlay, ImageModImageOverlay (the two overlays)
 
 namespace {
 
@@ -69,6 +67,16 @@ std::unique_ptr<ImageMod> make()
 {
     return std::make_unique<T>();
 }
+
+// One factory per built-in image border: a row holds a plain function.
+template <int32_t Style>
+std::unique_ptr<ImageMod> makeBorderFile()
+{
+    static_assert(Style >= 0 && Style < kBorderFileStyleCount);
+    return std::make_unique<ImageModBorderFile>(Style);
+}
+
+#define VANTREL_BORDER_ROW(i) { kBorderFileStyles[i].name, kBorderFileStyles[i].name, 1, kBuiltInBorderTip, makeBorderFile<i> }
 
 const ModCatalogueRow kBasics[] = {
     { "Auto Exposure", "Auto Exposure", 1,
@@ -161,6 +169,7 @@ const ModCatalogueRow kMasks[] = {
         make<ImageModLuminanceSelector> },
 };
 
+constexpr const char* kBuiltInBorderTip = "A ready-made border, drawn to fit the image at any size.";
 constexpr const char* kBasicBorderTip = "A basic border of any color, with adjustable width dependent on the size "
                                         "of the image and optional rounding.";
 
@@ -171,9 +180,21 @@ const ModCatalogueRow kBorders[] = {
         [] { return std::unique_ptr<ImageMod>(std::make_unique<ImageModBorderPlain>(false)); } },
     { "Fill Out", "Fill Border", 1, "A border of any color that adds bars to the image to make it the desired aspect ratio.",
         make<ImageModBorderFillout> },
+    { "Custom File Border", "Image Border", 1,
+        "A border based on an input file that includes transparency where you want the image to show through.",
+        make<ImageModBorderFileCustom> },
+    VANTREL_BORDER_ROW(0), VANTREL_BORDER_ROW(1), VANTREL_BORDER_ROW(2), VANTREL_BORDER_ROW(3),
+    VANTREL_BORDER_ROW(4), VANTREL_BORDER_ROW(5), VANTREL_BORDER_ROW(6), VANTREL_BORDER_ROW(7),
+    VANTREL_BORDER_ROW(8), VANTREL_BORDER_ROW(9), VANTREL_BORDER_ROW(10), VANTREL_BORDER_ROW(11),
+    VANTREL_BORDER_ROW(12), VANTREL_BORDER_ROW(13),
 };
+static_assert(kBorderFileStyleCount == 14, "every built-in border has a row");
+
+#undef VANTREL_BORDER_ROW
 
 const ModCatalogueRow kUtility[] = {
+    { "Text Overlay", "Text Overlay", 1, "Draw text over your image.", make<ImageModTextOverlay> },
+    { "Watermark", "Watermark", 1, "Add a watermark or other overlay to your image.", make<ImageModImageOverlay> },
     { "Dead Pixel", "Dead Pixel", 2,
         "Fix a pixel that is stuck or dead on your camera by blending it with surrounding pixels.",
         make<ImageModStuckPixel> },

@@ -5,6 +5,7 @@
 #include "media/CompactImage.h"
 #include "media/LargeBuffer.h"
 #include "media/MediaFormats.h"
+#include "media/MediaMemoryCeiling.h"
 
 #include <OpenImageIO/imageio.h>
 #include <exiv2/exiv2.hpp>
@@ -257,7 +258,8 @@ MediaCodecStatus decodePixels(const std::string& path, MediaDecoded& out)
         return MediaCodecStatus::CantOpen;
     }
     // Refuse what the float copy could not address, before any pixel buffer exists.
-    if (!FlexImageFloat::sizeFits(w, h, 4) || int64_t(w) * h * imageSpec.nchannels > int64_t(0x7fffffff)) {
+    if (!FlexImageFloat::sizeFits(w, h, 4) || int64_t(w) * h * imageSpec.nchannels > int64_t(0x7fffffff) ||
+        !mediaSizeWithinMemoryCeiling(w, h)) {
         in->close();
         return MediaCodecStatus::TooLarge;
     }
@@ -379,7 +381,8 @@ MediaCodecStatus decodeMediaFile(const std::string& path, MediaDecoded& out, boo
     int64_t headerWidth = 0, headerHeight = 0;
     std::unique_ptr<MediaProperties> props =
         readerTurns ? nullptr : readPropertiesAndSize(path, headerWidth, headerHeight);
-    if (headerWidth > 0 && headerHeight > 0 && !FlexImageFloat::sizeFits(headerWidth, headerHeight, 4))
+    if (headerWidth > 0 && headerHeight > 0 &&
+        (!FlexImageFloat::sizeFits(headerWidth, headerHeight, 4) || !mediaSizeWithinMemoryCeiling(headerWidth, headerHeight)))
         return MediaCodecStatus::TooLarge;
     MediaCodecStatus status = MediaCodecStatus::CantOpen;
     try {

@@ -1,6 +1,7 @@
 #include "media/NativeImage.h"
 
 #include "media/CompactImage.h"
+#include "media/MediaMemoryCeiling.h"
 #include "media/MediaPixelCopy.h"
 
 #include <QFile>
@@ -115,7 +116,7 @@ bool readImage(const std::string& path, FlexImageT<T>& image)
         return false;
     int32_t c = image.channels < 1 ? 3 : image.channels;
     // The document's float copy has up to 4 channels: refuse what it could not address.
-    if (!FlexImageT<T>::sizeFits(w, h, c) || !FlexImageFloat::sizeFits(w, h, 4))
+    if (!FlexImageT<T>::sizeFits(w, h, c) || !FlexImageFloat::sizeFits(w, h, 4) || !mediaSizeWithinMemoryCeiling(w, h))
         return false;
     if (image.data == nullptr || image.width != int32_t(w) || image.height != int32_t(h) || image.channels != c)
         image.resize(int32_t(w), int32_t(h), c); // a new 4-channel image starts opaque
@@ -176,7 +177,8 @@ bool ReadNativeImage(const std::string& path, CompactImage& image)
     uint32_t w = 0, h = 0;
     if (!readHeader(file, path, w, h))
         return false;
-    if (!FlexImageFloat::sizeFits(w, h, 4) || !image.allocate(int32_t(w), int32_t(h), CompactImage::RGBA, false))
+    if (!FlexImageFloat::sizeFits(w, h, 4) || !mediaSizeWithinMemoryCeiling(w, h) ||
+        !image.allocate(int32_t(w), int32_t(h), CompactImage::RGBA, false))
         return false;
     for (int32_t y = 0; y < int32_t(h); ++y)
         readRow(file, image.row8(y), int64_t(image.rowBytes()));

@@ -75,6 +75,8 @@ void ImageModBorder::bandColor(float rgba[4]) const
     rgba[0] = rgba[1] = rgba[2] = rgba[3] = 255.0f;
 }
 
+void ImageModBorder::drawOver(FlexImageFloat&, double, double, const BorderPlacement&) {}
+
 void ImageModBorder::adjustGeometry(double& width, double& height, float&)
 {
     if (!(width > 0.0) || !(height > 0.0))
@@ -219,5 +221,6 @@ bool ImageModBorder::drawSource(const FlexImageFloat& source, const CropFraction
     });
     destination.marginLeft = destination.marginRight = destination.marginTop = destination.marginBottom = 0;
     destination.scale = float(map.factor) * source.scale;
+    drawOver(destination, pictureW, pictureH, pl);
     return true;
 }

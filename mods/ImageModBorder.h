@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+struct BorderPlacement;
+
 // Band widths a border adds on each side, in pixels of the picture that reaches it.
 struct BorderBands {
     double left = 0.0;
@@ -36,6 +38,10 @@ public:
     virtual float cornerRadius() const { return 0.0f; }
     // Band colour, 0..255 with alpha.
     virtual void bandColor(float rgba[4]) const;
+    // Drawn last over the finished output (frame artwork); the picture's size before any
+    // reduction and where the photo landed are given. Nothing by default.
+    virtual void drawOver(FlexImageFloat& destination, double pictureWidth, double pictureHeight,
+                          const BorderPlacement& placement);
 };
 
 // Where the photo lands inside a border output of outputWidth x outputHeight, in output pixels.

@@ -13,6 +13,7 @@
 #include "media/MediaProperties.h"
 #include "ui/MVStartupWindow.h"
 #include "ui/MVTabBar.h"
+#include "ui/MVToolPanel.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -29,6 +30,7 @@
 #include <QtGui/QDropEvent>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QAction>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
@@ -99,18 +101,7 @@ MainWindow::MainWindow(const QString& styleSheetText, QWidget* parent) : QMainWi
     central->setStyleSheet(QStringLiteral("QWidget#mainBackground { background-image: url(:/img/main_bg.png); }"));
     setCentralWidget(central);
 
-    panelArea = new QWidget(central);
-    panelArea->setObjectName(QStringLiteral("panelArea"));
-    panelArea->setAttribute(Qt::WA_StyledBackground, true);
-    panelArea->setStyleSheet(QStringLiteral("QWidget#panelArea { background-image: url(:/img/panel_bg.png);"
-                                            " border-left: 1px solid #141414; }"
-                                            "QWidget#panelHeader { background: #232323; border-bottom: 1px solid #141414;"
-                                            " border-left: 1px solid #141414; }"));
-    // A header band level with the strip above the picture, where the panel's tabs sit.
-    auto* panelHeader = new QWidget(panelArea);
-    panelHeader->setObjectName(QStringLiteral("panelHeader"));
-    panelHeader->setAttribute(Qt::WA_StyledBackground, true);
-    panelHeader->setGeometry(0, 0, panelWidth, topStripHeight);
+    buildToolPanel();
     trayArea = new QWidget(central);
     trayArea->setObjectName(QStringLiteral("trayArea"));
     trayArea->setAttribute(Qt::WA_StyledBackground, true);
@@ -484,6 +475,7 @@ void MainWindow::updateWindowTitle()
     if (doc && !doc->filePath.isEmpty())
         title += QStringLiteral(" - ") + QFileInfo(doc->filePath).fileName();
     setWindowTitle(title);
+    updateCropButtonLabel();
     for (const MVDocument& d : documents)
         tabBar->setTabLabel(d.tabID, d.filePath.isEmpty() ? QStringLiteral("Empty Tab") : QFileInfo(d.filePath).fileName());
     tabBar->layoutTabs();
@@ -519,9 +511,9 @@ void MainWindow::layoutWindow()
     const int W = central->width(), H = central->height();
     const QRect area = documentArea();
 
-    panelArea->setVisible(panelVisible);
+    toolPanel->setVisible(panelVisible);
     if (panelVisible)
-        panelArea->setGeometry(W - panelWidth, 0, panelWidth, H);
+        toolPanel->setGeometry(W - panelWidth, 0, panelWidth, H);
     trayArea->setVisible(trayVisible);
     if (trayVisible)
         trayArea->setGeometry(trayInset, H - trayHeight, area.width() - 2 * trayInset, trayHeight - trayInset);
@@ -694,7 +686,7 @@ void MainWindow::actionTriggered()
 
 void MainWindow::menuTriggered(QAction* act)
 {
-    if (!act)
+    if (!act || controlMenuTriggered(act))
         return;
     const std::string t = act->text().toUtf8().toStdString();
     if (trayMenuAction(t))
@@ -742,8 +734,8 @@ void MainWindow::menuTriggered(QAction* act)
     } else if (t == "Previous Preset") {
         previousPresetButtonPressed();
     } else if (t == "Random Preset") {
-        // The preset index is rand(); the step takes it modulo the count once presets are listed.
-        (void)std::rand();
+        // The preset index is rand(); the step takes it modulo the count.
+        presetStepIndex = std::rand();
         nextPresetButtonPressed();
     } else if (t == "Zoom To 100%") {
         zoomCurrent(1.0f);
@@ -782,6 +774,7 @@ void MainWindow::menuTriggered(QAction* act)
         MultiData::global().setBool(PrefKeys::kAutohideControls, act->isChecked());
     } else if (t == "Show Hover Previews") {
         // The panel reads the flag; it is stored on closing.
+        toolPanel->hoverPreviews = act->isChecked();
     } else if (t == "Media Info") {
         showMediaInfo();
     } else if (t == "About") {
@@ -813,7 +806,7 @@ void MainWindow::zoomCurrent(float zoom)
 void MainWindow::cycleInterfaceVisibility()
 {
     // The state is read from the widgets themselves, so a state reached another way goes on from there.
-    const bool panelShown = !panelArea->isHidden();
+    const bool panelShown = !toolPanel->isHidden();
     const bool trayShown = !trayArea->isHidden();
     if (panelShown && trayShown)
         setInterfaceState(false, true);
@@ -984,6 +977,8 @@ void MainWindow::revealInFileBrowser(const QString& path)
 bool MainWindow::event(QEvent* e)
 {
     // Hover look-ups of the pixel inspector and the autohide of the controls join with them.
+    if (e->type() == QEvent::HoverMove && QApplication::mouseButtons() == Qt::NoButton)
+        controlsHoverMoved(central->mapFrom(this, static_cast<QHoverEvent*>(e)->pos()));
     return QMainWindow::event(e);
 }
 
@@ -1031,7 +1026,7 @@ void MainWindow::storePreferences()
                     QStringLiteral("%1 %2 %3 %4").arg(g.x()).arg(g.y()).arg(g.width()).arg(g.height()).toStdString());
     prefs.setBool(PrefKeys::kIsFullscreen, isMaximized());
     prefs.setBool(PrefKeys::kUseHoverPreviews, hoverPreviewsAction->isChecked());
-    prefs.setInt(PrefKeys::kCurrentTab, currentDocument);
+    prefs.setInt(PrefKeys::kCurrentTab, toolPanel->currentTab());
     prefs.setString(PrefKeys::kLastFont, prefs.getString(PrefKeys::kLastFont, ""));
     prefs.setStringArray(PrefKeys::kStarredFilterList, prefs.getStringArray(PrefKeys::kStarredFilterList, {}));
     prefs.writeFile(preferencesPath());
@@ -1119,33 +1114,20 @@ void MainWindow::toggleHistogramView(int)
         v->requestProcessing();
 }
 
-void MainWindow::controlHeightChanged()
-{
-    // The control column of the selected tile sits above the tray; none is shown without a tray.
-}
 
 // Parts of the window that arrive with their own subsystems: plug-in hand-back, tools, the render
 // queue, previews, the tray and its controls, the video shuttle.
 void MainWindow::toolRequestedExit(MVToolWidget*) { activeTool = nullptr; }
 void MainWindow::previewProcessorTimerFired() {}
 void MainWindow::controlHovered(QWidget*) {}
-void MainWindow::controlAdjusted(QWidget*) {}
-void MainWindow::controlRightClicked(QWidget*) {}
 void MainWindow::shuttleControlAdjusted() {}
 void MainWindow::setShuttleInPoint() {}
 void MainWindow::setShuttleOutPoint() {}
-void MainWindow::controlAboutToBeAdjusted() {}
-void MainWindow::modButtonClicked(MVPanelItemListButton*, bool, bool) {}
-void MainWindow::comIDButtonClicked(MVPanelItemBigButton*) {}
-void MainWindow::deleteFavoriteClicked(QString) {}
 void MainWindow::imageModHovered(ImageMod*) {}
 void MainWindow::filterPreviewChosen(QString) {}
 void MainWindow::previewSectionEnabled(int, QString, bool) {}
 void MainWindow::onImageRepositioned() {}
 void MainWindow::videoShuttleUpdateRequest(VideoLoaderSaverTime) {}
-void MainWindow::nextPresetButtonPressed() {}
-void MainWindow::previousPresetButtonPressed() {}
 void MainWindow::previewButtonPressed() {}
 void MainWindow::previewVideoButtonPressed() {}
-void MainWindow::nodeControlAnimationTimerFired() {}
 void MainWindow::displayFinishedUpdating() {}

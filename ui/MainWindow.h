@@ -1,4 +1,5 @@
 #pragma once
+#include "core/ModCatalogue.h"
 #include "ui/MVDocument.h"
 
 #include <QtCore/QPointer>
@@ -19,11 +20,13 @@ class MVTabBar;
 class MVToolPanel;
 class MVSubWindow;
 class MVToolWidget;
+class MVControlColumn;
+class QTimer;
+class QGraphicsOpacityEffect;
 class MVPanelItemListButton;
 class MVPanelItemBigButton;
 class QAction;
 class QPushButton;
-class QTimer;
 class RenderQueue;
 class SaveSizeWindow;
 class MVRenderQueueWindow;
@@ -87,8 +90,23 @@ public:
     bool pluginMode = false;
     QString pluginCallID;
 
-    // Where the tool panel sits until it has its own widget.
-    QWidget* panelArea = nullptr;
+    // Tool panel: the catalogue it offers, the preset it stepped to last, and its wiring.
+    ModCatalogueContents modCatalogue;
+    int presetStepIndex = -1;
+    // Builds the panel with both tabs; called once from the constructor.
+    void buildToolPanel();
+    // Reads the preset folders again into the Presets tab.
+    void rebuildPresetsTab();
+    // Enters the on-canvas tool with this number (MVToolPanelContent::ToolCommand).
+    void startTool(int toolID);
+    // "Crop/Straighten*" while the current document holds a crop.
+    void updateCropButtonLabel();
+    // Puts a tile, or each tile of a preset, into the current document's tray.
+    void addPanelModToTray(ImageMod* mod, bool append);
+    // Shows a preset just saved into "My Presets" in the Presets tab.
+    void presetSavedToLibrary(const QString& name);
+    // Applies the preset delta steps from the last one (wrapping); false when there are none.
+    bool stepPreset(int delta);
     QPushButton* viewportButtons[3] = {nullptr, nullptr, nullptr};
     QPushButton* newTabButton = nullptr;
     std::vector<QPushButton*> miniButtons;
@@ -116,6 +134,29 @@ public:
                        const QString& okCaption, const QString& cancelCaption, QString& answer)>
         askTextHook;
     std::function<QString(bool save, const QString& title, const QString& start, const QString& filter)> fileDialogHook;
+
+    // --- Control column of the selected tile (MainWindowControls.cpp) ---
+    // showControlsFor (declared with the tray block) builds the column; the column doesn't own
+    // the mod: whoever deletes it clears the column first.
+    MVControlColumn* controlColumn = nullptr;
+    ImageMod* controlledMod = nullptr;
+    // Undo steps asked for by the controls, one per drag or pick.
+    int adjustUndoRequests = 0;
+    // Autohide: the column fades to controlsTargetOpacity in steps of the animation timer.
+    QTimer* nodeControlAnimationTimer = nullptr;
+    QGraphicsOpacityEffect* controlsOpacity = nullptr;
+    float controlsTargetOpacity = 1.0f;
+    QAction* copyCurveAction = nullptr;
+    QAction* pasteCurveAction = nullptr;
+    // The control that the Copy Curve / Paste Curve menu was opened on.
+    QPointer<QWidget> curveMenuControl;
+    // Shows or hides the column by the cursor's height (central widget coordinates).
+    void controlsHoverMoved(QPoint pos);
+    // Copy Curve and Paste Curve, and keeping the column shown when autohide is turned off;
+    // true when the action was one of the curve entries.
+    bool controlMenuTriggered(QAction* act);
+    // The undo step of one adjustment: the tray snapshots the selected tile.
+    void pushTileAdjustUndo();
 
     // --- Saving, batch, render queue, preferences, LUT files and plug-in hand-back (MainWindowSave.cpp) ---
     // The dialogs the save and batch flows ask through; tests answer them instead.
@@ -182,7 +223,7 @@ public slots:
     void controlAboutToBeAdjusted();
     void modButtonClicked(MVPanelItemListButton* clicker, bool append, bool star);
     void comIDButtonClicked(MVPanelItemBigButton* button);
-    void deleteFavoriteClicked(QString name);
+    void deleteFavoriteClicked(MVPanelItemListButton* row);
     void imageModHovered(ImageMod* mod);
     void filterPreviewChosen(QString name);
     void previewSectionEnabled(int tabID, QString sectionName, bool enabled);

@@ -299,6 +299,7 @@ void MainWindow::saveFavoriteFilterPrompt()
     case PresetLibrary::kSaved:
         tray->filterName = name;
         tray->modified = false;
+        presetSavedToLibrary(name);
         updateWindowTitle();
         break;
     case PresetLibrary::kNoName:

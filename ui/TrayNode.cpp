@@ -171,7 +171,7 @@ void TrayNode::mousePressEvent(QMouseEvent* event)
     hover.stop();
     pressModifiers = event->modifiers();
     pressContentPos = tray ? QPointF(mapTo(tray->contentWidget(), QPoint(0, 0))) + event->localPos() : event->localPos();
-    grabMouse();
+    // Qt's implicit grab keeps the moves and the release coming to this tile while the button is down.
     emit nodePressed(this);
 }
 
@@ -185,7 +185,6 @@ void TrayNode::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    releaseMouse();
     emit nodeReleased(this);
 }
 

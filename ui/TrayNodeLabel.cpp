@@ -47,7 +47,7 @@ void TrayNodeLabel::placeIn(int tileWidth, int tileHeight)
     const int w = std::max(1, tileWidth - 2 * inset);
     resize(w, 10);
     const QFontMetrics fm(font());
-    int h = tileHeight - insetTop - 12;
+    int h = tileHeight - insetTop - 6;
     if (lineCount() >= 2)
         h += 5;
     setGeometry(inset, insetTop, w, std::max(fm.lineSpacing(), h));

@@ -8,7 +8,8 @@ class TrayNodeLabel : public QLabel {
     Q_OBJECT
 public:
     static constexpr int insetX = 10;
-    static constexpr int insetTop = 16;
+    // Below the tile's buttons, which take the band from 8 to 21.
+    static constexpr int insetTop = 23;
 
     explicit TrayNodeLabel(QWidget* parent = nullptr);
 

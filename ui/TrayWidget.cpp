@@ -991,11 +991,6 @@ void TrayWidget::exitComboButtonPressed()
     exitNested();
 }
 
-void TrayWidget::leaveNestedToRoot()
-{
-    enterNested({});
-}
-
 void TrayWidget::setPreviewing(bool on)
 {
     if (previewing == on)

@@ -177,7 +177,6 @@ private:
     int indexOfNode(const TrayNode* node) const;
     void openMenuAt(const QPoint& globalPos);
     void updateScroller();
-    void leaveNestedToRoot();
     int showWords(const QString& title, const QString& text, const QStringList& buttons);
 
     ImageModCompound* current = &rootSequence;

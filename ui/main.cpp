@@ -1,4 +1,8 @@
 #include "ResourceInit.h"
+#include "desktop_only/OverlaySeams.h"
+#include "filters/MultiData.h"
+#include "filters/PreferenceKeys.h"
+#include "mods/ImageModTextOverlay.h"
 #include "ui/AppScreenshotProbe.h"
 #include "ui/AppStartup.h"
 #include "ui/AppTheme.h"
@@ -18,6 +22,7 @@ int main(int argc, char** argv)
     AppStartup::readDevicePixelRatio();
     QStyle* style = QStyleFactory::create(QStringLiteral("fusion"));
     AppStartup::loadFonts();
+    installOverlaySeams();
 
     const QPalette palette = AppTheme::buildPalette(QGuiApplication::palette());
     QApplication::setPalette(palette);
@@ -32,6 +37,8 @@ int main(int argc, char** argv)
     MainWindow* mainWindow = new MainWindow(styleSheet);
     mainWindow->hide();
     app.mainWindow = mainWindow;
+    // New text tiles start in the family chosen last.
+    ImageModTextOverlay::setDefaultFontFamily(MultiData::global().getString(PrefKeys::kLastFont, ""));
 
     bool pluginRequested = false;
     const QString pluginID = AppStartup::pickPluginID(argc, argv, &pluginRequested);

@@ -228,13 +228,13 @@ TEST(ModCatalogue, UtilityHoldsTheDeadPixelAndSizeTilesAndCropIsUnlisted)
     std::vector<std::string> utility;
     for (const ImageMod* m : c.modsIn(c.sections[6]))
         utility.push_back(m->name);
-    const std::vector<std::string> expected { "Dead Pixel", "Aspect Ratio", "Output Size Exact", "Output Size" };
+    const std::vector<std::string> expected { "Text Overlay", "Watermark", "Dead Pixel", "Aspect Ratio",
+                                              "Output Size Exact", "Output Size" };
     EXPECT_EQ(utility, expected);
-    // The size tiles carry the tag the driver looks for; the dead pixel fix doesn't.
+    // The size tiles carry the tag the driver looks for; the overlays and the dead pixel fix don't.
     const auto tiles = c.modsIn(c.sections[6]);
-    EXPECT_FALSE(modHasTag(*tiles[0], kTagSize));
-    for (size_t i = 1; i < tiles.size(); ++i)
-        EXPECT_TRUE(modHasTag(*tiles[i], kTagSize)) << tiles[i]->name;
+    for (size_t i = 0; i < tiles.size(); ++i)
+        EXPECT_EQ(modHasTag(*tiles[i], kTagSize), i >= 3) << tiles[i]->name;
 
     const ImageMod* crop = findInCatalogue(c.mods, "Crop");
     ASSERT_NE(crop, nullptr);

@@ -4,6 +4,7 @@
 #include "desktop_only/MediaLoading.h"
 #include "media/BuiltinIccProfiles.h"
 #include "media/ColorTransformSet.h"
+#include "media/MediaMemoryCeiling.h"
 
 #include <gtest/gtest.h>
 #include <lcms2.h>
@@ -329,4 +330,25 @@ TEST(LoadMediaFileTest, DamagedFilesFailWithTheMessageAndLeaveTheImage)
     const MediaMessage m = mediaLoadFailureMessage(unknown.status, "/tmp/whatever.xyz");
     EXPECT_EQ(m.title, "Load Image Error");
     EXPECT_EQ(m.text, "That file type is not supported.");
+}
+
+TEST(LoadMediaFileTest, PhotosPastTheMemoryCeilingAreRefusedBeforeDecoding)
+{
+    REQUIRE_TESTDATA(path, "olympus_em1_forest_1920x1080.jpg");
+    // 1920 x 1080 needs about 80 MB as a document; a 64 MB ceiling refuses it, 128 MB takes it.
+    setenv("VANTREL_MEMORY_LIMIT_MB", "64", 1);
+    EXPECT_FALSE(mediaSizeWithinMemoryCeiling(1920, 1080));
+    Loaded refused;
+    load(path, refused, 4);
+    EXPECT_FALSE(refused.ok);
+    EXPECT_EQ(refused.status, MediaLoadStatus::TooLarge);
+    setenv("VANTREL_MEMORY_LIMIT_MB", "128", 1);
+    Loaded taken;
+    load(path, taken, 4);
+    EXPECT_TRUE(taken.ok);
+    // A nonsense limit falls back to the machine's memory; forged sizes can't overflow the test.
+    setenv("VANTREL_MEMORY_LIMIT_MB", "lots", 1);
+    EXPECT_GT(mediaMemoryCeilingBytes(), int64_t(64) << 20);
+    EXPECT_FALSE(mediaSizeWithinMemoryCeiling(int64_t(1) << 40, int64_t(1) << 40));
+    unsetenv("VANTREL_MEMORY_LIMIT_MB");
 }

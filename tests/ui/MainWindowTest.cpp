@@ -5,6 +5,7 @@
 #include "document/qtWidgetDivider.h"
 #include "filters/MultiData.h"
 #include "ui/AppTheme.h"
+#include "ui/MVToolPanel.h"
 #include "ui/MainWindow.h"
 
 #include <QtCore/QFile>
@@ -128,7 +129,7 @@ private slots:
         w.show();
         const QWidget* c = w.centralWidget();
         const int W = c->width(), H = c->height();
-        QCOMPARE(w.panelArea->geometry(), QRect(W - 224, 0, 224, H));
+        QCOMPARE(w.toolPanel->geometry(), QRect(W - 224, 0, 224, H));
         QCOMPARE(w.trayArea->geometry().bottom(), H - 1 - MainWindow::trayInset);
         QCOMPARE(w.trayArea->geometry().left(), 5);
         QCOMPARE(w.trayArea->geometry().top(), H - 96);
@@ -138,7 +139,7 @@ private slots:
         QVERIFY(area.bottom() < H - 96);
 
         w.hidePanelButtonPressed();
-        QVERIFY(w.panelArea->isHidden());
+        QVERIFY(w.toolPanel->isHidden());
         QCOMPARE(w.currentViewer()->width(), W);
         w.hideTrayButtonPressed();
         QVERIFY(w.trayArea->isHidden());
@@ -149,7 +150,7 @@ private slots:
     {
         MainWindow w(AppTheme::styleSheet());
         w.show();
-        auto state = [&w] { return QPair<bool, bool>(!w.panelArea->isHidden(), !w.trayArea->isHidden()); };
+        auto state = [&w] { return QPair<bool, bool>(!w.toolPanel->isHidden(), !w.trayArea->isHidden()); };
         using S = QPair<bool, bool>;
         const S order[] = {S(false, true), S(false, false), S(true, false), S(true, true)};
         for (const S& next : order) {

@@ -1,0 +1,277 @@
+// The control column inside the main window: placed above the tray, one undo step per drag,
+// values reaching the viewer's clones, right-click reset, Copy Curve / Paste Curve through the
+// dispatch, and autohide by the cursor's height.
+#include "ResourceInit.h"
+#include "core/ImageModVariableDataCurve.h"
+#include "core/ModCatalogue.h"
+#include "document/MVMediaWidget.h"
+#include "ui/AppTheme.h"
+#include "ui/MVControlColumn.h"
+#include "ui/MVSlider.h"
+#include "ui/MainWindow.h"
+#include "ui/ToneCurveWidget.h"
+#include "ui/TrayWidget.h"
+
+#include <QtTest/QtTest>
+#include <QtWidgets/QAction>
+#include <QtWidgets/QGraphicsOpacityEffect>
+
+namespace {
+
+const QString kPhoto = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
+
+void moveTo(QWidget* w, QPoint p)
+{
+    QMouseEvent ev(QEvent::MouseMove, p, w->mapToGlobal(p), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(w, &ev);
+}
+
+// The Amount of the viewer's private clone of the first tile.
+float viewerAmount(MVMediaWidget* v)
+{
+    std::lock_guard<std::mutex> lock(v->stateMutex);
+    return v->mods.empty() ? -1.0f : v->mods.front()->floatValue(0);
+}
+
+void hover(MainWindow& w, QPoint inCentral)
+{
+    const QPoint p = w.centralWidget()->mapTo(&w, inCentral);
+    QHoverEvent ev(QEvent::HoverMove, p, p);
+    QApplication::sendEvent(&w, &ev);
+}
+
+} // namespace
+
+class MainWindowControlsTest : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase()
+    {
+        vantrelInitResources();
+        catalogue = buildModCatalogue();
+    }
+
+    void columnSitsAboveTheTray()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        w.show();
+        std::unique_ptr<ImageMod> curves = createMod(catalogue.mods, "Curves");
+        QVERIFY(curves);
+        w.showControlsFor(curves.get());
+        MVControlColumn* column = w.controlColumn;
+        QVERIFY(column && !column->isHidden());
+        QCOMPARE(w.panelControls.size(), size_t(2));
+        QCOMPARE(column->geometry().bottom() + 1, w.trayArea->geometry().top() - 50);
+        QCOMPARE(column->geometry().left(), w.documentArea().left() + MVControlColumn::sideInset);
+        QCOMPARE(column->height(), column->naturalHeight());
+
+        // Without the tray it keeps 2 pixels above the area's bottom.
+        QVERIFY(w.triggerActionByText(QStringLiteral("Show/Hide Tray")));
+        QCOMPARE(column->geometry().bottom() + 1, w.documentArea().bottom() + 1 - 2);
+        QVERIFY(w.triggerActionByText(QStringLiteral("Show/Hide Tray")));
+        QCOMPARE(column->geometry().bottom() + 1, w.trayArea->geometry().top() - 50);
+        // A short window cuts the column at the top of the area.
+        w.resize(1200, 420);
+        QCOMPARE(column->geometry().top(), w.documentArea().top() + 2);
+        QVERIFY(column->height() < column->naturalHeight());
+
+        w.showControlsFor(nullptr);
+        QVERIFY(column->isHidden());
+        QVERIFY(w.panelControls.empty());
+    }
+
+    void dragIsOneUndoStepAndReachesTheViewer()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        w.show();
+        std::unique_ptr<ImageMod> curves = createMod(catalogue.mods, "Curves");
+        MVMediaWidget* viewer = w.currentViewer();
+        viewer->setMods({curves.get()});
+        w.showControlsFor(curves.get());
+        auto* slider = qobject_cast<MVSlider*>(w.controlColumn->controlForVariable(0));
+        QVERIFY(slider);
+        const QString titleBefore = w.windowTitle();
+
+        const float left = slider->getTrackLeft(), right = slider->getTrackRight();
+        QTest::mousePress(slider, Qt::LeftButton, Qt::NoModifier, QPoint(int(left + 1.0f + 0.8f * (right - left)), 11));
+        moveTo(slider, QPoint(int(left + 1.0f + 0.5f * (right - left)), 11));
+        moveTo(slider, QPoint(int(left + 1.0f), 11));
+        QTest::mouseRelease(slider, Qt::LeftButton, Qt::NoModifier, QPoint(int(left + 1.0f), 11));
+        QCOMPARE(w.adjustUndoRequests, 1);
+        QCOMPARE(curves->floatValue(0), 0.0f);
+        // The viewer works on its own clone, which got the value of the last change.
+        QCOMPARE(viewerAmount(viewer), 0.0f);
+        QVERIFY(viewer->mods.front().get() != curves.get());
+        QCOMPARE(w.windowTitle(), titleBefore);
+
+        // Right press on the slider puts the default back, as one more undo step.
+        QTest::mousePress(slider, Qt::RightButton, Qt::NoModifier, QPoint(20, 11));
+        QTest::mouseRelease(slider, Qt::RightButton, Qt::NoModifier, QPoint(20, 11));
+        QCOMPARE(curves->floatValue(0), 1.0f);
+        QCOMPARE(slider->value(), 1.0f);
+        QCOMPARE(viewerAmount(viewer), 1.0f);
+        QCOMPARE(w.adjustUndoRequests, 2);
+        w.showControlsFor(nullptr);
+    }
+
+    void trayTileDragIsOneUndoStep()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        w.show();
+        TrayWidget* tray = w.currentTray();
+        QVERIFY(tray);
+        std::unique_ptr<ImageMod> curves = createMod(catalogue.mods, "Curves");
+        const int index = tray->addMod(*curves);
+        QVERIFY(index >= 0);
+        ImageMod* tile = tray->modAt(index);
+        tray->setSelected(index);
+        w.traySelectionChanged();
+        QCOMPARE(w.controlledMod, tile);
+        auto* slider = qobject_cast<MVSlider*>(w.controlColumn->controlForVariable(0));
+        QVERIFY(slider);
+
+        const float left = slider->getTrackLeft(), right = slider->getTrackRight();
+        QTest::mousePress(slider, Qt::LeftButton, Qt::NoModifier, QPoint(int(left + 1.0f + 0.5f * (right - left)), 11));
+        moveTo(slider, QPoint(int(left + 1.0f + 0.25f * (right - left)), 11));
+        moveTo(slider, QPoint(-50, 11));
+        QTest::mouseRelease(slider, Qt::LeftButton, Qt::NoModifier, QPoint(-50, 11));
+        QCOMPARE(tile->floatValue(0), 0.0f);
+        QVERIFY(tray->modified);
+        // The viewer runs the tray's list, with the tile's new value.
+        MVMediaWidget* viewer = w.currentViewer();
+        {
+            std::lock_guard<std::mutex> lock(viewer->stateMutex);
+            QCOMPARE(viewer->mods.size(), tray->flatModList(true).size());
+            QCOMPARE(viewer->mods.back()->name, std::string("Curves"));
+            QCOMPARE(viewer->mods.back()->floatValue(0), 0.0f);
+        }
+
+        // One drag, one undo: the value before the drag comes back, and the rebuilt column shows it.
+        QVERIFY(w.triggerActionByText(QStringLiteral("Undo")));
+        QCOMPARE(tray->modAt(index)->floatValue(0), 1.0f);
+        auto* after = qobject_cast<MVSlider*>(w.controlColumn->controlForVariable(0));
+        QVERIFY(after);
+        QCOMPARE(after->value(), 1.0f);
+        QVERIFY(w.triggerActionByText(QStringLiteral("Redo")));
+        QCOMPARE(tray->modAt(index)->floatValue(0), 0.0f);
+    }
+
+    void curveCopyAndPasteThroughTheDispatch()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        std::unique_ptr<ImageMod> a = createMod(catalogue.mods, "Curves");
+        std::unique_ptr<ImageMod> b = createMod(catalogue.mods, "Curves");
+        a->variableAt(1)->asCurve()->curve.setFromString("0 0.1 0.3 0.2 0.7 0.9 1 0.95");
+        w.showControlsFor(a.get());
+        QWidget* curveA = w.controlColumn->controlForVariable(1);
+        QVERIFY(w.controlColumn->isCurveControl(curveA));
+        QVERIFY(w.copyCurveAction && w.pasteCurveAction);
+        QCOMPARE(w.copyCurveAction->text(), QStringLiteral("Copy Curve"));
+        QCOMPARE(w.pasteCurveAction->text(), QStringLiteral("Paste Curve"));
+        w.curveMenuControl = curveA;
+        w.menuTriggered(w.copyCurveAction);
+
+        w.showControlsFor(b.get());
+        QVERIFY(w.curveMenuControl.isNull()); // a rebuilt column forgets the old control
+        w.curveMenuControl = w.controlColumn->controlForVariable(1);
+        const int before = w.adjustUndoRequests;
+        w.menuTriggered(w.pasteCurveAction);
+        QCOMPARE(w.adjustUndoRequests, before + 1);
+        QVERIFY(b->variableAt(1)->isEqual(*a->variableAt(1)));
+        QCOMPARE(b->curveAt(1)->pointCount(), 4);
+        w.showControlsFor(nullptr);
+    }
+
+    void autohideFollowsTheCursorHeight()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        w.show();
+        std::unique_ptr<ImageMod> tone = createMod(catalogue.mods, "Split Tone");
+        QVERIFY(tone);
+        w.showControlsFor(tone.get());
+        MVControlColumn* column = w.controlColumn;
+        const int top = column->geometry().top();
+        const int x = column->geometry().center().x();
+
+        // A button held down (a drag elsewhere) leaves the column alone.
+        QTest::mousePress(w.centralWidget(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+        QVERIFY(w.triggerActionByText(QStringLiteral("Autohide Controls")));
+        hover(w, QPoint(x, top - 200));
+        QVERIFY(!w.nodeControlAnimationTimer->isActive());
+        QTest::mouseRelease(w.centralWidget(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+        QVERIFY(w.triggerActionByText(QStringLiteral("Autohide Controls")));
+        QVERIFY(QTest::qWaitFor([&] { return !w.nodeControlAnimationTimer->isActive(); }, 2000));
+
+        // Off: the cursor's height changes nothing.
+        hover(w, QPoint(x, top - 200));
+        QVERIFY(!w.nodeControlAnimationTimer->isActive());
+        QVERIFY(!column->isHidden());
+
+        QVERIFY(w.triggerActionByText(QStringLiteral("Autohide Controls")));
+        QVERIFY(w.actionByText(QStringLiteral("Autohide Controls"))->isChecked());
+        hover(w, QPoint(x, top - 200));
+        QVERIFY(QTest::qWaitFor([&] { return column->isHidden(); }, 2000));
+        QCOMPARE(w.controlsOpacity->opacity(), 0.0);
+        // Over the panel the column stays as it is.
+        hover(w, QPoint(w.centralWidget()->width() - 20, top + 10));
+        QVERIFY(column->isHidden());
+        // Coming down towards the controls brings them back, fading in.
+        hover(w, QPoint(x, top - 10));
+        QVERIFY(!column->isHidden());
+        QVERIFY(w.controlsOpacity->opacity() < 1.0);
+        QVERIFY(QTest::qWaitFor([&] { return !w.nodeControlAnimationTimer->isActive(); }, 2000));
+        QCOMPARE(w.controlsOpacity->opacity(), 1.0);
+
+        // Turning autohide off while hidden shows the controls again.
+        hover(w, QPoint(x, top - 300));
+        QVERIFY(QTest::qWaitFor([&] { return column->isHidden(); }, 2000));
+        QVERIFY(w.triggerActionByText(QStringLiteral("Autohide Controls")));
+        QVERIFY(QTest::qWaitFor([&] { return !column->isHidden() && w.controlsOpacity->opacity() == 1.0; }, 2000));
+        w.showControlsFor(nullptr);
+    }
+
+    void screenshotWithControls()
+    {
+        // Writes pictures for a person to look at when VANTREL_SHOT_DIR is set.
+        const QByteArray dir = qgetenv("VANTREL_SHOT_DIR");
+        if (dir.isEmpty() || !QFile::exists(kPhoto))
+            QSKIP("no screenshot folder or no photo");
+        for (const char* name : {"Curves", "Split Tone", "Vignette", "HSV Mask"}) {
+            MainWindow w(AppTheme::styleSheet());
+            w.resize(1600, 1000);
+            QVERIFY(w.loadFile(kPhoto));
+            // The real road: a tile in the tray, selected, its controls over the picture.
+            TrayWidget* tray = w.currentTray();
+            QVERIFY(tray);
+            for (const char* other : {"Exposure", "Saturation"})
+                if (std::unique_ptr<ImageMod> extra = createMod(catalogue.mods, other))
+                    tray->addMod(*extra);
+            std::unique_ptr<ImageMod> mod = createMod(catalogue.mods, name);
+            QVERIFY(mod);
+            if (std::string(name) == "Curves")
+                mod->variableAt(1)->asCurve()->curve.setFromString("0 0 0.25 0.18 0.75 0.86 1 1");
+            const int index = tray->addMod(*mod);
+            QVERIFY(index >= 0);
+            w.trayContentChanged();
+            tray->setSelected(index);
+            w.traySelectionChanged();
+            QCOMPARE(w.controlledMod, tray->modAt(index));
+            QVERIFY(QTest::qWaitFor([&w] { return w.displaySettled(); }, 15000));
+            QTest::qWait(100);
+            w.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/controls_") +
+                          QString::fromLatin1(name).replace(QLatin1Char(' '), QLatin1Char('_')) + QStringLiteral(".png"));
+            w.showControlsFor(nullptr);
+        }
+    }
+
+private:
+    ModCatalogueContents catalogue;
+};
+
+QTEST_MAIN(MainWindowControlsTest)
+#include "MainWindowControlsTest.moc"

@@ -1,0 +1,221 @@
+// Undo of the tray: whole-sequence snapshots that swap with what stands, and value snapshots of
+// one tile that find their tile again by path, index and name or are dropped.
+#include "ResourceInit.h"
+#include "core/ImageModCompound.h"
+#include "core/ModCatalogue.h"
+#include "ui/TrayWidget.h"
+#include "ui/UndoCommandAdjustFilter.h"
+#include "ui/UndoCommandFilterSequence.h"
+
+#include <QtTest/QtTest>
+
+namespace {
+
+const ModCatalogueContents& catalogue()
+{
+    static const ModCatalogueContents c = buildModCatalogue();
+    return c;
+}
+
+std::unique_ptr<ImageMod> make(const char* name)
+{
+    std::unique_ptr<ImageMod> m = createMod(catalogue().mods, name);
+    if (!m)
+        qFatal("no mod named %s", name);
+    return m;
+}
+
+QStringList names(const TrayWidget& tray)
+{
+    QStringList out;
+    for (int i = 0; i < tray.tileCount(); ++i)
+        out << QString::fromStdString(tray.modAt(i)->name);
+    return out;
+}
+
+} // namespace
+
+class TrayUndoTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { vantrelInitResources(); }
+
+    void adjustUndoAndRedoRestoreValues()
+    {
+        TrayWidget tray;
+        tray.addMod(*make("Brightness"));
+        tray.addMod(*make("Contrast"));
+        ImageMod* contrast = tray.modAt(1);
+        const float start = contrast->floatValue(0);
+        tray.setSelected(1);
+        QVERIFY(!tray.modified);
+        tray.pushAdjustUndo(); // as a drag starts
+        QVERIFY(tray.modified);
+        contrast->variables[0]->setFloatValue(start + 0.3f); // the drag's moves push nothing
+        contrast->variables[0]->setFloatValue(start + 0.5f);
+        QCOMPARE(tray.undoStack()->undoCount(), 1);
+
+        QSignalSpy adjusted(&tray, &TrayWidget::trayAdjusted);
+        tray.undo();
+        QCOMPARE(tray.modAt(1)->floatValue(0), start);
+        QCOMPARE(tray.undoStack()->redoCount(), 1);
+        tray.redo();
+        QCOMPARE(tray.modAt(1)->floatValue(0), start + 0.5f);
+        tray.undo();
+        QCOMPARE(tray.modAt(1)->floatValue(0), start);
+        QCOMPARE(adjusted.count(), 3);
+        // The other tile was never touched.
+        QVERIFY(tray.modAt(0)->isEqual(*make("Brightness")));
+    }
+
+    void adjustOfARenamedTileIsDropped()
+    {
+        TrayWidget tray;
+        tray.addMod(*make("Brightness"));
+        tray.setSelected(0);
+        tray.pushAdjustUndo();
+        tray.modAt(0)->variables[0]->setFloatValue(0.8f);
+        tray.modAt(0)->name = "Somebody Else";
+        tray.undo();
+        QCOMPARE(tray.modAt(0)->floatValue(0), 0.8f);
+        QCOMPARE(tray.undoStack()->undoCount(), 0);
+        QCOMPARE(tray.undoStack()->redoCount(), 0);
+    }
+
+    void adjustWithoutSelectionOrWithAShorterTileIsDropped()
+    {
+        TrayWidget tray;
+        tray.addMod(*make("Brightness"));
+        tray.pushAdjustUndo(); // nothing selected: execute fails, nothing kept
+        QCOMPARE(tray.undoStack()->undoCount(), 0);
+
+        tray.setSelected(0);
+        tray.pushAdjustUndo();
+        tray.modAt(0)->variables.pop_back();
+        tray.undo();
+        QCOMPARE(tray.undoStack()->undoCount(), 0);
+        QCOMPARE(tray.undoStack()->redoCount(), 0);
+    }
+
+    void adjustInsideANestedTileFollowsItsPath()
+    {
+        TrayWidget tray;
+        tray.addMod(*make("Brightness"));
+        auto group = std::make_unique<ImageModCompound>("G");
+        group->addChild(make("Saturation"));
+        group->addChild(make("Contrast"));
+        tray.addMod(*group);
+        tray.setSelected(1);
+        QVERIFY(tray.editSelectedNested());
+        tray.setSelected(1);
+        tray.pushAdjustUndo();
+        auto* command = new UndoCommandAdjustFilter(&tray);
+        QCOMPARE(command->nestPath, std::vector<int32_t>({1}));
+        QCOMPARE(command->tileIndex, 1);
+        delete command;
+        const float start = tray.modAt(1)->floatValue(0);
+        tray.modAt(1)->variables[0]->setFloatValue(start + 0.25f);
+        tray.exitNested();
+        tray.undo(); // from the top level: the path leads back into the group
+        auto* g = static_cast<ImageModCompound*>(tray.modAt(1));
+        QCOMPARE(g->children[1]->floatValue(0), start);
+        QCOMPARE(tray.undoStack()->redoCount(), 1);
+    }
+
+    void sequenceUndoSwapsTilesAndHiddenMods()
+    {
+        TrayWidget tray;
+        tray.addMod(*make("Brightness"));
+        tray.addMod(*make("Contrast"));
+        tray.modAt(1)->variables[0]->setFloatValue(0.7f);
+        tray.setHiddenMod(make("Crop"));
+        QVERIFY(tray.hasHiddenModWithTag(0));
+
+        tray.pushSequenceUndo();
+        tray.removeModAt(0);
+        tray.clearHiddenMods();
+        tray.addMod(*make("Custom Straight"));
+        QCOMPARE(names(tray), QStringList({"Contrast", "Custom Straight"}));
+
+        tray.undo();
+        QCOMPARE(names(tray), QStringList({"Brightness", "Contrast"}));
+        QCOMPARE(tray.modAt(1)->floatValue(0), 0.7f);
+        QCOMPARE(int(tray.hiddenMods.size()), 1);
+        QVERIFY(tray.hasHiddenModWithTag(0));
+        // The flat list for the viewer: hidden mods first, then the tiles.
+        const std::vector<ImageMod*> flat = tray.flatModList();
+        QCOMPARE(int(flat.size()), 3);
+        QCOMPARE(flat[0]->name, std::string("Crop"));
+
+        tray.redo();
+        QCOMPARE(names(tray), QStringList({"Contrast", "Custom Straight"}));
+        QVERIFY(tray.hiddenMods.empty());
+        tray.undo();
+        QCOMPARE(names(tray), QStringList({"Brightness", "Contrast"}));
+    }
+
+    void toggleOriginalLeavesOutOrdinaryTilesOnlyForTheDisplay()
+    {
+        TrayWidget tray;
+        tray.addMod(*make("Crop"));
+        tray.addMod(*make("Brightness"));
+        tray.addMod(*make("Custom Straight"));
+        tray.tilesDisabled = true;
+        QCOMPARE(int(tray.flatModList(true).size()), 2);
+        QCOMPARE(int(tray.flatModList(false).size()), 3);
+    }
+
+    void snapshotWhileNestedComesBackAtTheSameLevel()
+    {
+        TrayWidget tray;
+        auto group = std::make_unique<ImageModCompound>("G");
+        group->addChild(make("Saturation"));
+        tray.addMod(*group);
+        tray.setSelected(0);
+        tray.editSelectedNested();
+        tray.pushSequenceUndo();
+        tray.addMod(*make("Contrast"));
+        QCOMPARE(tray.tileCount(), 2);
+        tray.undo();
+        QCOMPARE(tray.nestedPath(), std::vector<int>({0}));
+        QCOMPARE(names(tray), QStringList({"Saturation"}));
+    }
+
+    void capAndEmptyStack()
+    {
+        TrayWidget tray;
+        tray.addMod(*make("Brightness"));
+        for (int i = 0; i < 101; ++i)
+            tray.pushSequenceUndo();
+        QCOMPARE(tray.undoStack()->undoCount(), 100);
+        for (int i = 0; i < 100; ++i)
+            tray.undo();
+        QCOMPARE(tray.undoStack()->undoCount(), 0);
+        QSignalSpy adjusted(&tray, &TrayWidget::trayAdjusted);
+        tray.undo(); // nothing left: still raised
+        QCOMPARE(adjusted.count(), 1);
+
+        // Without a stack nothing is pushed and nothing breaks.
+        tray.setUndoEnabled(false);
+        tray.modified = false;
+        tray.pushSequenceUndo();
+        tray.pushAdjustUndo();
+        QVERIFY(!tray.modified);
+        tray.undo();
+        QVERIFY(tray.undoStack() == nullptr);
+    }
+
+    void titleSuffixMarksChanges()
+    {
+        TrayWidget tray;
+        tray.filterName = QStringLiteral("Warm Film");
+        QCOMPARE(tray.modifiedTitleSuffix(), QStringLiteral("Warm Film"));
+        tray.pushSequenceUndo();
+        QCOMPARE(tray.modifiedTitleSuffix(), QStringLiteral("Warm Film*"));
+    }
+};
+
+QTEST_MAIN(TrayUndoTest)
+#include "TrayUndoTest.moc"
