@@ -60,7 +60,8 @@ void MVRenderQueueWindow::showSnapshot(const RenderQueueSnapshot& s)
 {
     const QString progress = progressText(s);
     if (!progress.isEmpty()) {
-        statusLabel->setText(progress);
+        statusLabel->setText(s.failed.empty() ? progress
+                                              : progress + QStringLiteral(", %1 failed").arg(s.failed.size()));
     } else if (!s.failed.empty()) {
         statusLabel->setText(QStringLiteral("Finished; %1 failed.").arg(s.failed.size()));
     } else {
@@ -73,12 +74,13 @@ void MVRenderQueueWindow::showSnapshot(const RenderQueueSnapshot& s)
     std::vector<MVRenderQueueRow> rows;
     if (s.running && s.runningID >= 0)
         rows.push_back({s.runningID, QStringLiteral("Rendering ") + fileName(s.currentName), true, false});
-    for (const RenderQueueWaiting& w : s.waiting)
-        rows.push_back({w.itemID, fileName(w.sourcePath), true, false});
+    // Failures come before the waiting files, so a long list doesn't scroll them out of sight.
     for (const RenderQueueRecord& r : s.failed)
         rows.push_back({r.itemID, QStringLiteral("Failed: ") + fileName(r.sourcePath) + QStringLiteral(" (could not be "
                                                                                                       "loaded or written)"),
                         false, true});
+    for (const RenderQueueWaiting& w : s.waiting)
+        rows.push_back({w.itemID, fileName(w.sourcePath), true, false});
     list->setRows(rows);
 }
 

@@ -64,6 +64,11 @@ bool RenderQueue::start()
 {
     if (!busyMutex.try_acquire())
         return false;
+    {
+        // Running from here on, so a progress check right after start() doesn't see an idle queue.
+        std::lock_guard<std::mutex> lock(statusMutex);
+        running = true;
+    }
     std::thread(workerRoutine, this).detach();
     return true;
 }

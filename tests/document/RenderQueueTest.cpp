@@ -111,6 +111,7 @@ TEST(RenderQueue, CancellingAWaitingItemRemovesJustThatOne)
     EXPECT_EQ(a, 1);
     EXPECT_EQ(c, 3);
     ASSERT_TRUE(q.start());
+    EXPECT_TRUE(q.isRunning()); // at once, before the worker has taken anything
     ASSERT_TRUE(gate.waitStarted(1));
 
     RenderQueueSnapshot s = q.snapshot();

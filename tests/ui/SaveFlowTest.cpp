@@ -468,17 +468,18 @@ private slots:
         QCOMPARE(window.windowTitle(), QStringLiteral("Render Queue"));
         window.resize(360, 300);
         window.showSnapshot(s);
-        QCOMPARE(window.statusLabel->text(), QStringLiteral("File 3 of 20, about 1:05 left"));
+        QCOMPARE(window.statusLabel->text(), QStringLiteral("File 3 of 20, about 1:05 left, 1 failed"));
         QCOMPARE(window.progressBar->maximum(), 20);
         QCOMPARE(window.progressBar->value(), 2);
         QVERIFY(window.cancelAllButton->isEnabled());
         MVRenderQueueWidget* list = window.list;
         QCOMPARE(list->rowCount(), 4);
-        QCOMPARE(list->rowLabel(1)->text(), QStringLiteral("d.jpg"));
-        QVERIFY(list->rowLabel(3)->text().startsWith(QStringLiteral("Failed: a.jpg")));
-        QVERIFY(list->rowButton(3) == nullptr); // a record has nothing to cancel
+        QCOMPARE(list->rowLabel(0)->text(), QStringLiteral("Rendering c.jpg"));
+        QVERIFY(list->rowLabel(1)->text().startsWith(QStringLiteral("Failed: a.jpg")));
+        QVERIFY(list->rowButton(1) == nullptr); // a record has nothing to cancel
+        QCOMPARE(list->rowLabel(2)->text(), QStringLiteral("d.jpg"));
         QSignalSpy cancel(&window, &MVRenderQueueWindow::cancelItemRequested);
-        QTest::mouseClick(list->rowButton(2), Qt::LeftButton);
+        QTest::mouseClick(list->rowButton(3), Qt::LeftButton);
         QCOMPARE(cancel.count(), 1);
         QCOMPARE(cancel.at(0).at(0).toInt(), 5);
 
