@@ -307,6 +307,52 @@ private slots:
         QCOMPARE(half.height, 200);
     }
 
+    void theOptionsDialogTakesTheSaveTable()
+    {
+        SaveSizeWindow d;
+        QCOMPARE(d.objectName(), QStringLiteral("SaveSizeDialog"));
+        QCOMPARE(d.windowTitle(), QStringLiteral("Choose Save Options"));
+        QCOMPARE(d.widthField->size(), QSize(80, 21));
+        QCOMPARE(d.typeField->count(), 5);
+        QCOMPARE(d.typeField->itemText(3), QStringLiteral("PNG-16 Image"));
+        d.setExtension(QStringLiteral(".PNG")); // the first row with the extension
+        QCOMPARE(d.resultExtensionIndex(), 1);
+        QVERIFY(!d.qualityField->isEnabled()); // PNG takes no quality
+        d.setExtension(QStringLiteral("tiff"));
+        QCOMPARE(d.resultExtensionIndex(), 2);
+        QCOMPARE(d.resultExtension(), QStringLiteral("tif"));
+        d.setExtension(QStringLiteral("bmp")); // unknown: left as it was
+        QCOMPARE(d.resultExtensionIndex(), 2);
+        d.setExtensionIndex(0);
+        QVERIFY(d.qualityField->isEnabled());
+
+        d.setQuality(140);
+        QCOMPARE(d.resultQuality(), 100);
+        d.qualityField->setText(QString());
+        QCOMPARE(d.resultQuality(), 85);
+        d.qualityEdited(QStringLiteral("250"));
+        QCOMPARE(d.qualityField->text(), QStringLiteral("100"));
+
+        d.setOfferedSize(3000, 2000);
+        d.heightField->clear();
+        QTest::keyClicks(d.heightField, QStringLiteral("500")); // typed: each key re-links the width
+        QCOMPARE(d.widthField->text(), QStringLiteral("750"));
+        QVERIFY(d.sizeChanged());
+        d.widthField->clear(); // an empty field means the offered size
+        QCOMPARE(d.resultWidth(), 3000);
+        QCOMPARE(d.resultHeight(), 500);
+
+        d.hideQualityFields();
+        d.hideSizeFields();
+        QVERIFY(!d.qualityField->isVisibleTo(&d));
+        QVERIFY(!d.widthField->isVisibleTo(&d));
+        QVERIFY(d.typeField->isVisibleTo(&d));
+        d.disablePostfixFields();
+        QVERIFY(!d.postfixField->isEnabled());
+        d.setOkButtonText(QStringLiteral("Next"));
+        QCOMPARE(d.okButton->text(), QStringLiteral("Next"));
+    }
+
     void savingOverTheOriginalAsksFirstAndAFailedSaveKeepsIt()
     {
         QTemporaryDir dir;
