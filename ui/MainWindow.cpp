@@ -271,6 +271,7 @@ void MainWindow::buildMenus()
 
     for (QMenu* m : {file, edit, editSub, view, help})
         connect(m, &QMenu::triggered, this, &MainWindow::menuTriggered);
+    setupSaveArea(file, edit);
 
     // Actions on the window only, without a menu entry.
     addWindowAction("Quicklook Presets (Append)", {QKeySequence(QStringLiteral("Shift+F"))});
@@ -550,6 +551,7 @@ void MainWindow::layoutWindow()
     layoutPanes(area);
     layoutTray();
     controlHeightChanged();
+    placePluginButton();
 }
 
 void MainWindow::layoutPanes(const QRect& area)
@@ -697,13 +699,13 @@ void MainWindow::menuTriggered(QAction* act)
         return;
     MVMediaWidget* viewer = currentViewer();
     MVDocument* doc = currentDocument < documentCount ? &documents[size_t(currentDocument)] : nullptr;
+    if (saveAreaMenuTriggered(t, act))
+        return;
 
     if (t == "Load Photo...") {
         showLoadDialog();
     } else if (t == "New Tab") {
         newTabButtonPressed();
-    } else if (t == "Save As..." || t == "Save Over Original" || t == "Batch Process Folder...") {
-        // The save flow and the batch wizard come with their own windows.
     } else if (t == "Close Photo") {
         if (doc) {
             doc->viewer->clearMedia();
@@ -750,7 +752,7 @@ void MainWindow::menuTriggered(QAction* act)
         setInterfaceState(panelVisible, !trayVisible);
     } else if (t == "Show/Hide Tool Panel") {
         setInterfaceState(!panelVisible, trayVisible);
-    } else if (t == "Show/Hide Render Queue" || t == "Show/Hide Pixel Inspector") {
+    } else if (t == "Show/Hide Pixel Inspector") {
         // Sub windows of their own.
     } else if (t == "Luminance Histogram") {
         toggleHistogramView(0);
@@ -1054,6 +1056,8 @@ void MainWindow::dropEvent(QDropEvent* e)
         const std::string utf8 = path.toUtf8().toStdString();
         if (QFileInfo(path).suffix().compare(QLatin1String("vnf"), Qt::CaseInsensitive) == 0)
             loadFilterSlot(path, !(e->keyboardModifiers() & Qt::ShiftModifier));
+        else if (QFileInfo(path).suffix().compare(QLatin1String("cube"), Qt::CaseInsensitive) == 0)
+            addLutTile(path);
         else if (IsLoadableImagePath(utf8) || isNativeImagePath(utf8))
             loadFile(path);
         else
@@ -1117,9 +1121,6 @@ void MainWindow::toggleHistogramView(int)
 
 // Parts of the window that arrive with their own subsystems: plug-in hand-back, tools, the render
 // queue, previews, the tray and its controls, the video shuttle.
-void MainWindow::sendToPluginHost() {}
-void MainWindow::cancelRenderQueueItem(int) {}
-void MainWindow::processingInfoTimerFired() {}
 void MainWindow::previewProcessorTimerFired() {}
 void MainWindow::controlHovered(QWidget*) {}
 void MainWindow::shuttleControlAdjusted() {}
@@ -1132,5 +1133,4 @@ void MainWindow::onImageRepositioned() {}
 void MainWindow::videoShuttleUpdateRequest(VideoLoaderSaverTime) {}
 void MainWindow::previewButtonPressed() {}
 void MainWindow::previewVideoButtonPressed() {}
-void MainWindow::cancelProcessingButtonPressed() {}
 void MainWindow::displayFinishedUpdating() {}

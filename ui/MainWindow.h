@@ -4,8 +4,10 @@
 
 #include <QtCore/QPointer>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtWidgets/QMainWindow>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
@@ -25,6 +27,10 @@ class MVPanelItemListButton;
 class MVPanelItemBigButton;
 class QAction;
 class QPushButton;
+class RenderQueue;
+class SaveSizeWindow;
+class MVRenderQueueWindow;
+class XmlPreferencesWindow;
 class TrayWidget;
 
 // The single top window and the switchboard of the program: it owns the documents and panels,
@@ -167,6 +173,38 @@ public:
     // The undo step of one adjustment: the tray snapshots the selected tile.
     void pushTileAdjustUndo();
 
+    // --- Saving, batch, render queue, preferences, LUT files and plug-in hand-back (MainWindowSave.cpp) ---
+    // The dialogs the save and batch flows ask through; tests answer them instead.
+    struct SaveFlowDialogs {
+        std::function<bool(SaveSizeWindow& dialog)> runOptions; // true on OK
+        std::function<QString(const QString& title, const QString& start, const QString& filter)> askSavePath;
+        std::function<QString(const QString& title, const QString& start, const QString& filter)> askOpenPath;
+        std::function<QString(const QString& title, const QString& start)> askFolder;
+    };
+    SaveFlowDialogs saveDialogs;
+    std::shared_ptr<RenderQueue> renderQueue;
+    QTimer* processingInfoTimer = nullptr;
+    QPushButton* sendToPluginButton = nullptr;
+    QPointer<XmlPreferencesWindow> preferencesWindow;
+    // Where the hand-back lines go (standard output, which the host reads).
+    FILE* pluginOutput = stdout;
+
+    // "Save As..." is (false, true), "Save Over Original" (false, false).
+    void saveFlow(bool saveFrameOfVideo, bool showDialog);
+    void batchFlow();
+    void exportFilterLutFlow();
+    void loadLutFlow();
+    // Reads the .cube file and adds a "3D LUT" tile; a bad file is named in a message and adds nothing.
+    bool addLutTile(const QString& path);
+    void showPreferencesWindow();
+    // Switches the hand-back on for the host's request id.
+    void setPluginMode(const QString& callID);
+    // The current document's flat tile list, cloned.
+    std::vector<std::unique_ptr<ImageMod>> currentModClones();
+    MVRenderQueueWindow* queueWindow() const;
+    // The caches folder joined with "pluginreturnfilter.vnf".
+    static QString pluginReturnFilterPath();
+
     static constexpr int panelWidth = 224;
     static constexpr int trayHeight = 96;
     static constexpr int trayInset = 5;
@@ -261,6 +299,11 @@ private:
     void detachTray(MVDocument& doc);
     void resetTrayForNewMedia(MVDocument& doc);
     void layoutTray();
+    // Saving area: the queue, its window and timer, the plug-in button, the extra menu entries.
+    void setupSaveArea(QMenu* fileMenu, QMenu* editMenu);
+    // The menu texts of the saving area; false when t isn't one of them.
+    bool saveAreaMenuTriggered(const std::string& t, QAction* act);
+    void placePluginButton();
 
     QWidget* central = nullptr;
     QPointer<MVStartupWindow> startupWindow;
