@@ -383,7 +383,7 @@ void MainWindow::selectDocument(int index)
 {
     if (index < 0 || index >= documentCount)
         return;
-    if (activeTool)
+    if (activeTool && index != currentDocument)
         toolRequestedExit(activeTool); // a tool works on one picture
     currentDocument = index;
     tabBar->selectTab(documents[size_t(index)].tabID);
