@@ -2,8 +2,8 @@
 
 #include "core/ImageMod.h"
 #include "ui/TrayNode.h"
-#include "ui/UndoCommandAdjustFilter.h"
-#include "ui/UndoCommandFilterSequence.h"
+#include "document/UndoCommandAdjustFilter.h"
+#include "document/UndoCommandFilterSequence.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
