@@ -17,6 +17,12 @@ const char* const kLabelStyle = "color:#444444;";
 constexpr int kFirstColumnWidth = 62;
 const QColor kCard(0xcf, 0xcf, 0xcf);
 
+// One decimal, never "-0.0" for a value that rounds to nothing.
+double tenths(float v)
+{
+    return std::round(double(v) * 10.0) / 10.0 + 0.0;
+}
+
 QString recentLine(int x, int y, const QColor& c)
 {
     return QStringLiteral("<span style=\"color:%1\">&#9632;</span> %2, %3 &nbsp; %4 %5 %6")
@@ -67,7 +73,7 @@ void MVPixelInfoWidget::showPixel(int x, int y, const QColor& colour)
     readout[3]->setText(QStringLiteral("S %1%").arg(std::lround(s * 100.0f)));
     readout[4]->setText(QStringLiteral("B %1").arg(colour.blue()));
     readout[5]->setText(QStringLiteral("V %1%").arg(std::lround(v * 100.0f)));
-    readout[6]->setText(QString::asprintf("Lab %.1f  %.1f  %.1f", double(L), double(A), double(B)));
+    readout[6]->setText(QString::asprintf("Lab %.1f  %.1f  %.1f", tenths(L), tenths(A), tenths(B)));
     update();
 }
 
