@@ -5,12 +5,16 @@
 
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 namespace {
 
 // Rows are split into this many bands at most, each counting into its own bins.
 constexpr int32_t kMaxBands = 32;
 constexpr int32_t kBinSets = 4; // luma, red, green, blue
+constexpr int32_t kMaxWaveformBands = 8;
+// Every chart part scans all targets, so there are no more parts than cores.
+const int32_t kChartParts = std::clamp(int32_t(std::thread::hardware_concurrency()), 1, 8);
 
 // The truncated sample as a bin, or -1: values from -1 (exclusive) to 256 (exclusive) truncate
 // into 0..255; everything else, NaN included, counts nowhere.
@@ -25,18 +29,34 @@ static inline float clampSample(float v)
     return v > 0.0f ? (v < 255.0f ? v : 255.0f) : 0.0f;
 }
 
-static inline uint32_t addToByte(uint32_t word, int shift, uint32_t step)
+// Scope word index of a waveform sample: clamped, the top row for 255.
+static inline size_t waveformIndex(float v, int32_t W, int32_t x)
 {
-    const uint32_t old = (word >> shift) & 0xffu;
-    const uint32_t now = std::min<uint32_t>(255u, old + step);
-    return (word & ~(0xffu << shift)) | (now << shift);
+    return size_t(255 - int32_t(clampSample(v))) * size_t(W) + size_t(x);
 }
 
-// Luminance waveform: each hit brightens the grey by 20.
-static inline uint32_t lumaHit(uint32_t word)
+static inline void countHit(uint8_t& hits)
 {
-    const uint32_t g = std::min<uint32_t>(255u, ((word >> 16) & 0xffu) + 20u);
+    hits = uint8_t(hits + (hits < 255u ? 1u : 0u));
+}
+
+// Luminance waveform: each hit brightens the grey by 20, up to white.
+static inline uint32_t lumaWaveformWord(int32_t hits)
+{
+    if (hits == 0)
+        return 0u;
+    const uint32_t g = uint32_t(std::min(255, 20 * hits));
     return 0xff000000u | (g << 16) | (g << 8) | g;
+}
+
+// RGB waveform: each channel rises by 10 per hit in its own byte; a hit pixel is opaque.
+static inline uint32_t rgbWaveformWord(int32_t r, int32_t g, int32_t b)
+{
+    if ((r | g | b) == 0)
+        return 0u;
+    const uint32_t R = uint32_t(std::min(255, 10 * r)), G = uint32_t(std::min(255, 10 * g)),
+                   B = uint32_t(std::min(255, 10 * b));
+    return 0xff000000u | (R << 16) | (G << 8) | B;
 }
 
 // Hue in degrees, 0 for a grey, on samples already divided by 255.
@@ -169,30 +189,47 @@ void HistogramData::computeHistograms(const FlexImageFloat& image, bool rgb)
 void HistogramData::computeWaveform(const FlexImageFloat& image, bool rgb)
 {
     const int32_t W = scopeWidth, h = image.height, w = image.width, c = image.channels;
-    scope.assign(size_t(W) * waveformHeight, 0u);
-    // Each task owns a run of scope columns and walks the source rows in order: no two tasks
-    // write the same word, and every hit only saturates upwards, so the result is the serial one.
-    parallelForRanges(W, [&](int32_t x0, int32_t x1) {
-        uint32_t* out = scope.data();
-        for (int32_t y = 0; y < h; ++y) {
+    const int32_t planes = rgb ? 3 : 1;
+    const size_t plane = size_t(W) * waveformHeight;
+    scope.assign(plane, 0u);
+    columnOffsets.resize(size_t(W));
+    for (int32_t x = 0; x < W; ++x)
+        columnOffsets[size_t(x)] = int32_t(int64_t(x) * (w - 1) / (W - 1)) * c;
+    // Every hit only adds a fixed step up to 255, so counting hits per band of rows and adding the
+    // bands afterwards gives exactly what one serial walk would.
+    const int32_t bands = std::min(h, kMaxWaveformBands);
+    const size_t bandSize = plane * size_t(planes);
+    bandHits.assign(bandSize * size_t(bands), 0);
+    parallelFor(bands, [&](int32_t band) {
+        uint8_t* hits = bandHits.data() + bandSize * size_t(band);
+        const int32_t y0 = int32_t(int64_t(h) * band / bands), y1 = int32_t(int64_t(h) * (band + 1) / bands);
+        const int32_t* columns = columnOffsets.data();
+        for (int32_t y = y0; y < y1; ++y) {
             const float* row = image.row(y);
-            for (int32_t x = x0; x < x1; ++x) {
-                const int32_t sx = int32_t(int64_t(x) * (w - 1) / (W - 1));
-                const float* p = row + int64_t(sx) * c;
+            for (int32_t x = 0; x < W; ++x) {
+                const float* p = row + columns[x];
                 if (!rgb) {
-                    const int32_t sy = 255 - int32_t(clampSample(pixelLuminance(p, c)));
-                    uint32_t& word = out[size_t(sy) * size_t(W) + size_t(x)];
-                    word = lumaHit(word);
+                    countHit(hits[waveformIndex(pixelLuminance(p, c), W, x)]);
                     continue;
                 }
                 const float r = p[0], g = c >= 3 ? p[1] : p[0], b = c >= 3 ? p[2] : p[0];
-                uint32_t& wr = out[size_t(255 - int32_t(clampSample(r))) * size_t(W) + size_t(x)];
-                wr = addToByte(wr, 16, 10u) | 0xff000000u;
-                uint32_t& wg = out[size_t(255 - int32_t(clampSample(g))) * size_t(W) + size_t(x)];
-                wg = addToByte(wg, 8, 10u) | 0xff000000u;
-                uint32_t& wb = out[size_t(255 - int32_t(clampSample(b))) * size_t(W) + size_t(x)];
-                wb = addToByte(wb, 0, 10u) | 0xff000000u;
+                countHit(hits[waveformIndex(r, W, x)]);
+                countHit(hits[plane + waveformIndex(g, W, x)]);
+                countHit(hits[2 * plane + waveformIndex(b, W, x)]);
             }
+        }
+    });
+    parallelFor(waveformHeight, [&](int32_t sy) {
+        uint32_t* out = scope.data() + size_t(sy) * size_t(W);
+        const size_t rowStart = size_t(sy) * size_t(W);
+        for (int32_t x = 0; x < W; ++x) {
+            int32_t n[3] = {0, 0, 0};
+            for (int32_t band = 0; band < bands; ++band) {
+                const uint8_t* hits = bandHits.data() + bandSize * size_t(band) + rowStart + size_t(x);
+                for (int32_t k = 0; k < planes; ++k)
+                    n[k] += hits[size_t(k) * plane];
+            }
+            out[x] = rgb ? rgbWaveformWord(n[0], n[1], n[2]) : lumaWaveformWord(n[0]);
         }
     });
 }
@@ -223,7 +260,7 @@ void HistogramData::computeChart(const FlexImageFloat& image)
     scope.assign(size_t(W) * size_t(H), 0u);
     chartTargets.resize(size_t(w) * size_t(h));
     // The colour maths runs row-parallel; the blending that follows depends on the order of
-    // hits, so it runs in row order to give the same chart on any number of threads.
+    // hits, so it keeps the source's row order to give the same chart on any number of threads.
     parallelFor(h, [&](int32_t y) {
         const float* p = image.row(y);
         int32_t* target = chartTargets.data() + size_t(y) * size_t(w);
@@ -233,12 +270,18 @@ void HistogramData::computeChart(const FlexImageFloat& image)
             target[x] = chartPosition(r, g, b, W, H, cx, cy) ? cy * W + cx : -1;
         }
     });
-    uint32_t* out = scope.data();
-    const int32_t* target = chartTargets.data();
-    for (int32_t y = 0; y < h; ++y) {
-        const float* p = image.row(y);
-        for (int32_t x = 0; x < w; ++x, p += c, ++target)
-            if (*target >= 0)
-                out[*target] = chartBlend(out[*target], p, c);
-    }
+    // Each part owns a band of chart rows and applies the hits that land there in source order.
+    const int32_t parts = std::min(H, kChartParts);
+    parallelFor(parts, [&](int32_t part) {
+        const int32_t lo = int32_t(int64_t(H) * part / parts) * W;
+        const int32_t hi = int32_t(int64_t(H) * (part + 1) / parts) * W;
+        uint32_t* out = scope.data();
+        const int32_t* target = chartTargets.data();
+        for (int32_t y = 0; y < h; ++y) {
+            const float* p = image.row(y);
+            for (int32_t x = 0; x < w; ++x, p += c, ++target)
+                if (*target >= lo && *target < hi)
+                    out[*target] = chartBlend(out[*target], p, c);
+        }
+    });
 }

@@ -47,6 +47,9 @@ private:
 
     // Per-band partial bins, merged after the parallel loop.
     std::vector<int32_t> bandBins;
+    // Waveforms: sample offset of each scope column's source column, and per-band hit counts.
+    std::vector<int32_t> columnOffsets;
+    std::vector<uint8_t> bandHits;
     // Chart: scope index of each source pixel, -1 for none.
     std::vector<int32_t> chartTargets;
 };
