@@ -7,7 +7,7 @@ MVHistogramWindow::MVHistogramWindow(QWidget* parent)
 {
     setObjectName(QStringLiteral("histogramWindow"));
     setAttribute(Qt::WA_StyledBackground, true);
-    setStyleSheet(QStringLiteral("QWidget#histogramWindow { background: #1a1a1a; }"));
+    setStyleSheet(QStringLiteral("QWidget#histogramWindow { background: #1a1a1a; border: 1px solid #383838; }"));
     histogram = new MVHistogramWidget(this);
     setMinimumSize(160, 110);
     resize(340, 230);

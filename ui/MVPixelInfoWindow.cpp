@@ -11,7 +11,7 @@ MVPixelInfoWindow::MVPixelInfoWindow(QWidget* parent) : MVSubWindow(QStringLiter
 {
     setObjectName(QStringLiteral("pixelInfoWindow"));
     setAttribute(Qt::WA_StyledBackground, true);
-    setStyleSheet(QStringLiteral("QWidget#pixelInfoWindow { background: #1e1e1e; color: #bbbbbb; }"));
+    setStyleSheet(QStringLiteral("QWidget#pixelInfoWindow { background: #1e1e1e; color: #bbbbbb; border: 1px solid #383838; }"));
     info = new MVPixelInfoWidget(this);
     // The recent list grows the window rather than scrolling.
     connect(info, &MVPixelInfoWidget::heightNeeded, this,

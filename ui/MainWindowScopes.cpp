@@ -39,6 +39,12 @@ void MainWindow::attachScopes(MVMediaWidget* viewer)
         if (histogramWanted.load() && histogramSource.load() == viewer)
             histogramWindow->histogram->updateFrom(image);
     };
+    // A closed tab's numbers must not stay on show as if they were the next one's.
+    connect(viewer, &QObject::destroyed, this, [this, viewer] {
+        MVMediaWidget* expected = viewer;
+        if (histogramSource.compare_exchange_strong(expected, nullptr))
+            histogramWindow->histogram->clearData();
+    });
 }
 
 void MainWindow::placeSubWindow(QWidget* window, bool top)
