@@ -220,7 +220,7 @@ void MVHistogramWidget::paintHistogram(QPainter& p, const QRect& graph)
         lp.setCompositionMode(QPainter::CompositionMode_Plus);
         const QRectF local(0.0, 0.0, g.width(), g.height());
         const std::vector<int32_t>* bins[3] = {&blueBins, &greenBins, &redBins};
-        const QColor fills[3] = {QColor(0, 0, 200, 200), QColor(0, 200, 0, 200), QColor(200, 0, 0, 200)};
+        const QColor fills[3] = {QColor(0, 0, 200, 130), QColor(0, 200, 0, 130), QColor(200, 0, 0, 130)};
         const QColor lines[3] = {QColor(0, 0, 255), QColor(0, 255, 0), QColor(255, 0, 0)};
         for (int i = 0; i < 3; ++i) {
             lp.setBrush(fills[i]);

@@ -16,7 +16,9 @@
 
 namespace {
 
-const QString kPhoto = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
+// Another photo can be looked at through the same steps with VANTREL_SCOPES_PHOTO.
+const QString kPhoto =
+    qEnvironmentVariable("VANTREL_SCOPES_PHOTO", QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg"));
 
 bool settle(MainWindow& w)
 {
