@@ -1,7 +1,10 @@
 #include "document/core/HistogramData.h"
 
+#include "core/ColorMath.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -347,4 +350,81 @@ TEST(HistogramDataChart, LargeImageLandsEveryPixelSomewhere)
             ASSERT_TRUE(HistogramData::chartPosition(float(x * 4), float(y * 4), 128.0f, 200, 120, cx, cy));
             EXPECT_GE(scopeAt(d, cx, cy) >> 24, 127u) << x << "," << y;
         }
+}
+
+// ---------------------------------------------------------------------------------------------
+// The parallel passes against one plain serial walk, on a busy picture where many pixels land on
+// the same scope word: the order of hits must not depend on the threads.
+
+namespace {
+
+void noisyPicture(FlexImageFloat& img)
+{
+    uint32_t s = 99u;
+    for (int64_t i = 0; i < img.sampleCount(); ++i) {
+        s = s * 1664525u + 1013904223u;
+        // Mostly in range, some beyond both ends.
+        img.data[i] = float(int32_t(s >> 23) % 300) - 20.0f + float((s >> 8) & 7u) * 0.125f;
+    }
+}
+
+uint32_t serialBlend(uint32_t o, float r, float g, float b)
+{
+    auto clamp = [](float v) { return v > 0.0f ? (v < 255.0f ? v : 255.0f) : 0.0f; };
+    const uint32_t nr = uint32_t(0.4f * clamp(r) + 0.6f * float((o >> 16) & 0xffu));
+    const uint32_t ng = uint32_t(0.4f * clamp(g) + 0.6f * float((o >> 8) & 0xffu));
+    const uint32_t nb = uint32_t(0.4f * clamp(b) + 0.6f * float(o & 0xffu));
+    const uint32_t na = uint32_t(255.0f - 0.5f * (255.0f - float(o >> 24)));
+    return (na << 24) | (nr << 16) | (ng << 8) | nb;
+}
+
+} // namespace
+
+TEST(HistogramDataParallel, ChartMatchesOneSerialWalk)
+{
+    FlexImageFloat img(301, 203, 3);
+    noisyPicture(img);
+    const int32_t W = 97, H = 61;
+    std::vector<uint32_t> expected(size_t(W) * H, 0u);
+    for (int32_t y = 0; y < img.height; ++y)
+        for (int32_t x = 0; x < img.width; ++x) {
+            const float* p = img.row(y) + x * 3;
+            int32_t cx, cy;
+            if (HistogramData::chartPosition(p[0], p[1], p[2], W, H, cx, cy))
+                expected[size_t(cy) * W + size_t(cx)] = serialBlend(expected[size_t(cy) * W + size_t(cx)], p[0], p[1], p[2]);
+        }
+    HistogramData d;
+    for (int run = 0; run < 3; ++run) {
+        ASSERT_TRUE(d.compute(img, HistogramData::ChrominanceChart, W, H));
+        ASSERT_EQ(d.scope, expected) << "run " << run;
+    }
+}
+
+TEST(HistogramDataParallel, WaveformsMatchOneSerialWalk)
+{
+    FlexImageFloat img(257, 130, 3);
+    noisyPicture(img);
+    const int32_t W = 100;
+    std::vector<uint32_t> luma(size_t(W) * 256, 0u), rgb(size_t(W) * 256, 0u);
+    auto row = [](float v) { return 255 - int32_t(v > 0.0f ? (v < 255.0f ? v : 255.0f) : 0.0f); };
+    auto bump = [](uint32_t w, int shift, uint32_t step) {
+        const uint32_t now = std::min<uint32_t>(255u, ((w >> shift) & 0xffu) + step);
+        return (w & ~(0xffu << shift)) | (now << shift) | 0xff000000u;
+    };
+    for (int32_t y = 0; y < img.height; ++y)
+        for (int32_t x = 0; x < W; ++x) {
+            const float* p = img.row(y) + (x * (img.width - 1) / (W - 1)) * 3;
+            uint32_t& l = luma[size_t(row(pixelLuminance(p, 3))) * W + size_t(x)];
+            const uint32_t g = std::min<uint32_t>(255u, ((l >> 16) & 0xffu) + 20u);
+            l = 0xff000000u | (g << 16) | (g << 8) | g;
+            for (int k = 0; k < 3; ++k) {
+                uint32_t& w = rgb[size_t(row(p[k])) * W + size_t(x)];
+                w = bump(w, 16 - 8 * k, 10u);
+            }
+        }
+    HistogramData d;
+    ASSERT_TRUE(d.compute(img, HistogramData::LuminanceWaveform, W, 0));
+    EXPECT_EQ(d.scope, luma);
+    ASSERT_TRUE(d.compute(img, HistogramData::RgbWaveform, W, 0));
+    EXPECT_EQ(d.scope, rgb);
 }
