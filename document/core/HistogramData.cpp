@@ -4,7 +4,6 @@
 #include "core/ParallelFor.h"
 
 #include <algorithm>
-#include <cstring>
 #include <thread>
 
 namespace {
