@@ -194,6 +194,8 @@ void MVMediaWidget::clearMedia()
         scaledImage.reset();
     }
     runner->flushCache();
+    if (histogramFeed)
+        histogramFeed(FlexImageFloat()); // an empty picture: the scopes show no data
     update();
 }
 

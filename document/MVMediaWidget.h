@@ -98,8 +98,8 @@ public:
     float resolutionDivisor = 1.4f;
     bool suspendRunner = false;
     std::shared_ptr<ColorTransformSet> displayTransform;
-    // Called on the worker with the processed region after each pass (the scopes); set it before
-    // the first pass and leave it.
+    // Called on the worker with the processed region after each pass (the scopes), and with an
+    // empty image by clearMedia; set it before the first pass and leave it.
     std::function<void(const FlexImageFloat&)> histogramFeed;
 
     // view fields

@@ -114,6 +114,10 @@ void MVHistogramWidget::resizeEvent(QResizeEvent* e)
 
 void MVHistogramWidget::updateFrom(const FlexImageFloat& image)
 {
+    if (image.isEmpty()) {
+        clearData();
+        return;
+    }
     std::lock_guard<std::mutex> compute(computeMutex);
     const int type = currentGraphType();
     int32_t w = graphWidth.load(), h = graphHeight.load();

@@ -33,7 +33,8 @@ public:
     // The menu text of a graph ("Luminance Histogram" ...), empty for an unknown one.
     static QString graphName(int type);
 
-    // From any thread: measures the processed image and schedules a repaint.
+    // From any thread: measures the processed image and schedules a repaint. An empty image
+    // means the picture went: the data is cleared.
     void updateFrom(const FlexImageFloat& image);
     // No picture any more: only the frame is painted.
     void clearData();

@@ -159,6 +159,15 @@ private slots:
             // The whole picture is in view: every pixel counted once.
             QCOMPARE(std::accumulate(scope->lumaBins.begin(), scope->lumaBins.end(), 0), 128 * 64);
         }
+        // Dropping the media empties the scope.
+        {
+            const int passes = scope->updateCount();
+            v.clearMedia();
+            QVERIFY(!scope->hasDataNow());
+            QCOMPARE(scope->updateCount(), passes);
+            v.setSource(rampImage(128, 64));
+            QVERIFY(waitFor([&] { return scope->hasDataNow() && !v.isProcessing(); }));
+        }
         // Switching the graph and asking for a pass fills the new one.
         win.setGraphType(MVHistogramWidget::RGBWaveform);
         QCOMPARE(win.windowTitle(), QStringLiteral("RGB Waveform"));
