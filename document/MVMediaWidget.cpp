@@ -196,6 +196,8 @@ void MVMediaWidget::clearMedia()
         scaledImage.reset();
     }
     runner->flushCache();
+    if (histogramFeed)
+        histogramFeed(FlexImageFloat()); // an empty picture: the scopes show no data
     update();
 }
 
@@ -364,8 +366,10 @@ bool MVMediaWidget::processOnce()
         // 6. The tiles.
         if (!suspend)
             runner->run(cloneList, &outputImage, nullptr, -1, 0, &frame);
-        // 7. The proxy goes; the histogram would take outputImage here.
+        // 7. The proxy goes; the scopes take the processed pixels on this thread.
         frame.proxy = nullptr;
+        if (histogramFeed)
+            histogramFeed(outputImage);
     }
 
     // 8.
