@@ -204,6 +204,58 @@ TEST(SpatialEdges, BordersRepeatAndNeverWrap)
     }
 }
 
+TEST(SpatialSharpen, InPlaceJobsMatchDirectConvolution)
+{
+    // Tall enough for several row jobs, so rows shared between jobs are read as they were before
+    // any job wrote; scale 1 (3 x 3 of -1) and 0.25 (5 x 5 of -4), both depths.
+    for (float scale : {1.0f, 0.25f}) {
+        FlexImageFloat src;
+        fillNoise(src, 37, 131, 3, 11);
+        src.scale = scale;
+        const int32_t reach = ImageModSharpen::kernelReach(scale);
+        const int32_t side = 2 * reach + 1;
+        std::vector<double> kernel(size_t(side * side));
+        double centre = 0.0;
+        for (int32_t j = 0; j < side; ++j)
+            for (int32_t i = 0; i < side; ++i) {
+                kernel[size_t(j * side + i)] = ImageModSharpen::kernelTap(scale, 2); // every tap alike
+                centre -= kernel[size_t(j * side + i)];
+            }
+        kernel[size_t(reach * side + reach)] = centre + kernel[size_t(reach * side + reach)];
+        const double a = 0.5 * std::sqrt(0.5); // Amount 50, version 2
+        const int32_t w = src.width, h = src.height, ch = src.channels;
+        std::vector<double> ref(size_t(src.sampleCount()));
+        for (int32_t y = 0; y < h; ++y)
+            for (int32_t x = 0; x < w; ++x)
+                for (int32_t c = 0; c < ch; ++c) {
+                    double hp = 0.0;
+                    for (int32_t j = 0; j < side; ++j)
+                        for (int32_t i = 0; i < side; ++i)
+                            hp += kernel[size_t(j * side + i)] *
+                                  src.row(std::clamp(y - reach + j, 0, h - 1))[std::clamp(x - reach + i, 0, w - 1) * ch + c];
+                    const double c0 = src.row(y)[x * ch + c];
+                    ref[size_t((y * w + x) * ch + c)] = std::clamp(c0 + hp * a, 0.0, 255.0);
+                }
+        ImageModSharpen sharpen;
+        setFloat(sharpen, 0, 50.0f);
+        FlexImageFloat img;
+        img.copyFrom(src, true);
+        sharpen.apply(&img, nullptr);
+        double worst = 0.0;
+        for (int64_t i = 0; i < img.sampleCount(); ++i)
+            worst = std::max(worst, std::fabs(double(img.data[i]) - ref[size_t(i)]));
+        EXPECT_LT(worst, 1e-3) << "scale " << scale;
+        FlexImage8 img8;
+        img8.copyFromOtherDepth(src, true);
+        img8.scale = scale;
+        sharpen.apply(&img8, nullptr);
+        worst = 0.0;
+        for (int64_t i = 0; i < img8.sampleCount(); ++i)
+            worst = std::max(worst, std::fabs(double(img8.data[i]) - ref[size_t(i)]));
+        EXPECT_LT(worst, 1.0) << "scale " << scale; // truncated on the store
+    }
+}
+
 TEST(SpatialSharpen, KernelWidensAndStrengthensOnSmallerScales)
 {
     EXPECT_EQ(ImageModSharpen::kernelReach(1.0f), 1);
