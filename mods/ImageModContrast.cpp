@@ -39,7 +39,7 @@ void contrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context
             parallelFor(image->height, [&](int32_t y) {
                 float* p = image->row(y);
                 if (channels == colour) {
-                    contrastPixelTable(p, width * channels, table); // the row as one run of samples
+                    table.apply(p, int64_t(width) * channels); // the row as one run of samples
                     return;
                 }
                 for (int32_t x = 0; x < width; ++x, p += channels)

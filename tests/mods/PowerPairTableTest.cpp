@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <vector>
 
 // The table stands in for powerPair on the contrast tile's float path, so every value it gives is
 // held against powerPair itself: densely across the scale, at the kinks and ends, and outside it.
@@ -44,6 +45,31 @@ TEST(PowerPairTable, EndsCenterAndOutOfScaleSamplesAreExact)
     table->build(90.0f, powerPairExponent(2.0f));
     EXPECT_EQ((*table)(45.0f), powerPair(45.0f, 90.0f, powerPairExponent(2.0f)));
     EXPECT_EQ((*table)(200.0f), powerPair(200.0f, 90.0f, powerPairExponent(2.0f)));
+}
+
+TEST(PowerPairTable, RunOfSamplesEqualsOneByOne)
+{
+    // The four-lane form must give exactly what the single lookup gives, including groups that
+    // mix in samples out of scale, NaN, the center and marked steps, and a tail of fewer than four.
+    auto table = std::make_unique<PowerPairTable>();
+    table->build(90.0f, powerPairExponent(0.4f));
+    std::vector<float> run;
+    for (int32_t i = 0; i < 1003; ++i)
+        run.push_back(float((i * 7919) % 26000) * 0.01f - 1.5f);
+    run[17] = std::numeric_limits<float>::quiet_NaN();
+    run[40] = 90.0f;
+    run[41] = 0.0f;
+    run[42] = 255.0f;
+    run[43] = 1000.0f;
+    std::vector<float> one = run;
+    table->apply(run.data(), int64_t(run.size()));
+    for (size_t i = 0; i < one.size(); ++i) {
+        const float expected = (*table)(one[i]);
+        if (std::isnan(expected))
+            EXPECT_TRUE(std::isnan(run[i])) << i;
+        else
+            EXPECT_EQ(run[i], expected) << i;
+    }
 }
 
 TEST(PowerPairTable, ContrastTileFloatPathMatchesThePerSampleFormula)
