@@ -160,10 +160,10 @@ TEST(SpatialBlur, WideGaussianAsThreeBoxesFollowsTheConeTaps)
     }
 }
 
-TEST(SpatialBlur, CircleOverSeveralBlocksStripsAndJobsMatchesDirectConvolution)
+TEST(SpatialBlur, CircleOverSeveralJobsAndLongRowsMatchesDirectConvolution)
 {
-    // 210 pixels of RGB are 630 samples, more than one strip; 75 rows are several row blocks and
-    // more than one job. Every seam must vanish against the direct convolution.
+    // 75 rows are more than one row job, each with its own ring of padded rows and prefixes over
+    // rows of 630 samples. No seam between jobs may show against the direct convolution.
     FlexImageFloat src;
     fillNoise(src, 210, 75, 3, 5);
     const float r = 6.3f;
