@@ -1,4 +1,5 @@
 #include "mods/ImageModContrast.h"
+#include "mods/ImageModLuminanceContrast.h"
 #include "mods/PowerPairTable.h"
 
 #include <gtest/gtest.h>
@@ -93,5 +94,23 @@ TEST(PowerPairTable, ContrastTileFloatPathMatchesThePerSampleFormula)
             else
                 EXPECT_NEAR(image.data[i], expected, 1e-3f) << i;
         }
+    }
+}
+
+TEST(PowerPairTable, LuminanceContrastFloatPathMatchesThePerPixelFormula)
+{
+    FlexImageFloat image(53, 9, 3);
+    for (int64_t i = 0; i < image.sampleCount(); ++i)
+        image.data[i] = float((i * 4099) % 25500) * 0.01f;
+    FlexImageFloat before(0, 0, 3);
+    before.copyFrom(image, true);
+    ImageModLuminanceContrast mod(0.7f, 120.0f);
+    mod.apply(&image, nullptr);
+    const float e = powerPairExponent(0.7f);
+    for (int64_t i = 0; i < image.sampleCount(); i += 3) {
+        float expected[3] = {before.data[i], before.data[i + 1], before.data[i + 2]};
+        luminanceContrastPixel(expected, 3, 3, 120.0f, e);
+        for (int32_t c = 0; c < 3; ++c)
+            EXPECT_NEAR(image.data[i + c], expected[c], 2e-3f) << i;
     }
 }
