@@ -72,7 +72,7 @@ void BM_ViewportSliderDrag(benchmark::State& state)
     ImageModSaturation saturation(ImageModSaturation::newestVersion, 1.2f);
     ImageModToneCurve curve;
     ImageModBrightness brightness(1.1f);
-    // The dragged tile is a contrast: one multiply-add a sample, the common cost of a slider.
+    // The dragged tile is a contrast: a power pair on every colour sample.
     ImageModContrast dragged(ImageModContrast::newestVersion, 1.0f);
     const std::vector<ImageMod*> list = {&exposure, &brightness, &saturation, &curve, &dragged};
 
