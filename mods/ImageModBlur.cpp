@@ -150,10 +150,6 @@ static BoxPass boxForWidth(float width)
     return b;
 }
 
-// Convolves `count` samples of stride-`step` lines laid side by side: src holds (2 R + 1 + count
-// - 1) positions of `width` floats each (edge-repeated already), dst receives `count` positions.
-// Horizontal pass: width = channels, positions = pixels. Vertical pass: width = a block of columns,
-// positions = rows. Symmetric taps are paired, so each pair costs one multiply.
 // Running window over |d| < reach plus the two end taps, per lane, in double so long lines do not
 // drift. src holds count + 2 reach positions.
 static void runningBox(const BoxPass& b, const float* src, int32_t width, int32_t count, float* dst)
@@ -185,6 +181,10 @@ static void runningBox(const BoxPass& b, const float* src, int32_t width, int32_
     }
 }
 
+// Convolves `count` samples of stride-`step` lines laid side by side: src holds 2 R + count
+// positions of `width` floats each (R the kernel's padReach, edge-repeated already), dst receives
+// `count` positions. Horizontal pass: width = channels, positions = pixels. Vertical pass: width =
+// a block of columns, positions = rows. Symmetric taps are paired, so each pair costs one multiply.
 static void convolveLines(const LineKernel& k, const float* src, int32_t width, int32_t count, float* dst,
     LineScratch& scratch)
 {
