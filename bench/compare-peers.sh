@@ -11,7 +11,7 @@
 # Rows, and what each tool runs for them (closest equivalent each tool has; "n/a" where it has none
 # from its command line):
 #   a  no-op re-encode.
-#        vantrel: one Exposure tile at 0.   vips: copy.   gm/im: convert.
+#        vantrel: one Exposure tile at its neutral 1 (it returns at once).   vips: copy.   gm/im: convert.
 #        darktable-cli: no sidecar (its default pipeline for a JPEG).
 #        rawtherapee-cli: a neutral profile (every tool off).
 #   b  saturation x1.3 + S-shaped tone curve + vignette (corners darkened about 50 %).
@@ -105,7 +105,7 @@ done
 cat > "$work/a.vnf" <<'EOF'
 <filter version="4">
   <mod name="Exposure" version="1" enabled="1">
-    <var name="Amount" type="float">0.000000</var>
+    <var name="Amount" type="float">1.000000</var>
   </mod>
 </filter>
 EOF
@@ -152,7 +152,7 @@ cat > "$work/e.vnf" <<'EOF'
 EOF
 
 # The tone curve for vips: the same control points, straight between them (buildlut interpolates).
-printf '4 2\n0 0\n64 51\n191 204\n255 255\n' > "$work/curve.mat"
+printf '2 4 1 0\n0 0\n64 51\n191 204\n255 255\n' > "$work/curve.mat"
 
 # RawTherapee partial profiles (applied over its neutral profile).
 cat > "$work/neutral.pp3" <<'EOF'
@@ -214,8 +214,8 @@ command_for() {
            echo "mkdir -p '$v' && vips colourspace '$image' '$v/lch.v' lch && vips linear '$v/lch.v' '$v/lch2.v' '1 1.3 1' '0 0 0' \
 && vips colourspace '$v/lch2.v' '$v/sat.v' srgb && vips cast '$v/sat.v' '$v/sat8.v' uchar \
 && vips buildlut '$work/curve.mat' '$v/lut.v' && vips maplut '$v/sat8.v' '$v/curved.v' '$v/lut.v' \
-&& vips xyz '$v/xy.v' 601 401 && vips linear '$v/xy.v' '$v/c.v' '1 1' '-300 -200' && vips multiply '$v/c.v' '$v/c.v' '$v/sq.v' \
-&& vips bandmean '$v/sq.v' '$v/m.v' && vips linear '$v/m.v' '$v/small.v' -0.0000076923 1 \
+&& vips xyz '$v/xy.v' 601 401 && vips linear -- '$v/xy.v' '$v/c.v' '1 1' '-300 -200' && vips multiply '$v/c.v' '$v/c.v' '$v/sq.v' \
+&& vips bandmean '$v/sq.v' '$v/m.v' && vips linear -- '$v/m.v' '$v/small.v' -0.0000076923 1 \
 && vips resize '$v/small.v' '$v/mask.v' 10 --kernel linear && vips extract_area '$v/mask.v' '$v/mask2.v' 0 0 6000 4000 \
 && vips multiply '$v/curved.v' '$v/mask2.v' '$v/vig.v' && vips cast '$v/vig.v' '$out[Q=85]' uchar; rm -rf '$v'" ;;
         c) echo "vips gaussblur '$image' '$out[Q=85]' 3.54" ;;
