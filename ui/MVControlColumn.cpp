@@ -191,6 +191,9 @@ void MVControlColumn::addEntry(int32_t index, ImageModVariable& variable)
         break;
     }
     case kVariableButton: {
+        // A field or a chooser is headed by what it holds, not by the button's "Edit Text..." caption.
+        if (variable.tag == textButtonTag || variable.tag == fontButtonTag)
+            e.label = QString::fromStdString(variable.name);
         if (variable.tag == textButtonTag) {
             auto* t = new MVStringInputBox(content);
             t->resize(w, 22);

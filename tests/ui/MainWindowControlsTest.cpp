@@ -298,7 +298,7 @@ private slots:
         const QByteArray dir = qgetenv("VANTREL_SHOT_DIR");
         if (dir.isEmpty() || !QFile::exists(kPhoto))
             QSKIP("no screenshot folder or no photo");
-        for (const char* name : {"Curves", "Split Tone", "Vignette", "HSV Mask"}) {
+        for (const char* name : {"Curves", "Split Tone", "Vignette", "HSV Mask", "Text Overlay"}) {
             MainWindow w(AppTheme::styleSheet());
             w.resize(1600, 1000);
             QVERIFY(w.loadFile(kPhoto));
