@@ -269,6 +269,8 @@ void MVControlColumn::addEntry(int32_t index, ImageModVariable& variable)
         else
             m->setFields({QStringLiteral("Left"), QStringLiteral("Top"), QStringLiteral("Right"), QStringLiteral("Bottom")});
         m->setDecimals(e.kind == kVariablePixel ? 0 : 3);
+        if (e.kind == kVariablePixel)
+            m->setUnsetValue(-1.0f, QStringLiteral("Auto")); // -1 leaves the point at the tile's own place
         m->resize(w, 35);
         e.height = 35;
         connect(m, &qtMultiDataWidget::dataEdited, this, [this, m] { controlChanged(m); });
