@@ -263,9 +263,6 @@ private slots:
             QTest::newRow(qPrintable(QStringLiteral("%1 at 100%").arg(QLatin1String(n)))) << QString::fromLatin1(n) << true
                                                                                           << forest;
         }
-        // A photo far larger than the screen, seen in part.
-        const QString big = QStringLiteral(VANTREL_TESTDATA "/nikon_d5300_6000x4000.jpg");
-        QTest::newRow("Vignette, large photo at 100%") << QStringLiteral("Vignette") << true << big;
     }
 
     void fitAndZoomed()
