@@ -44,6 +44,21 @@ QByteArray AppStartup::pickStartupFile(const QStringList& pendingFiles, int argc
     return QByteArray();
 }
 
+QStringList AppStartup::pickFilterFiles(int argc, char** argv)
+{
+    QStringList filters;
+    for (int i = 1; i < argc && argv[i] != nullptr; ++i) {
+        const QString arg = QString::fromUtf8(argv[i]);
+        if (arg == QLatin1String("--plugin-id")) {
+            ++i;
+            continue;
+        }
+        if (arg.endsWith(QLatin1String(".vnf"), Qt::CaseInsensitive))
+            filters << arg;
+    }
+    return filters;
+}
+
 QString AppStartup::pickPluginID(int argc, char** argv, bool* present)
 {
     if (present)

@@ -21,6 +21,10 @@ public:
     // "--plugin-id ID" anywhere on the line is skipped: the first other argument is the file.
     static QByteArray pickStartupFile(const QStringList& pendingFiles, int argc, char** argv);
 
+    // Filter files (".vnf", any case) named on the command line, in order, "--plugin-id ID" skipped.
+    // They are applied to the photo opened at start, so `vantrel photo.jpg look.vnf` shows the look.
+    static QStringList pickFilterFiles(int argc, char** argv);
+
     // The host's request id after "--plugin-id"; empty when the option is absent. The option
     // without a value gives "NULLID", so plug-in mode still starts.
     static QString pickPluginID(int argc, char** argv, bool* present = nullptr);

@@ -45,9 +45,20 @@ int main(int argc, char** argv)
     if (pluginRequested)
         mainWindow->setPluginMode(pluginID);
 
+    // A filter file opened from the desktop becomes the look; a photo becomes the document, and
+    // filter files named after it are applied to it in order.
     const QByteArray path = AppStartup::pickStartupFile(app.pendingFiles, argc, argv);
-    if (AppStartup::isOpenableFile(path))
-        mainWindow->loadFile(QString::fromUtf8(path));
+    const QString startPath = QString::fromUtf8(path);
+    const bool startIsFilter = startPath.endsWith(QLatin1String(".vnf"), Qt::CaseInsensitive);
+    if (AppStartup::isOpenableFile(path)) {
+        if (startIsFilter)
+            mainWindow->loadFilterSlot(startPath, true);
+        else
+            mainWindow->loadFile(startPath);
+    }
+    for (const QString& filter : AppStartup::pickFilterFiles(argc, argv))
+        if (!(startIsFilter && filter == startPath) && AppStartup::isOpenableFile(filter.toUtf8()))
+            mainWindow->loadFilterSlot(filter, false);
 
     // Smoke-test hook: grab the first window on screen into a PNG and quit.
     const QByteArray shotPath = qgetenv("VANTREL_SMOKE_SCREENSHOT");

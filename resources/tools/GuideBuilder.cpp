@@ -1,11 +1,14 @@
 // Turns the Markdown user guide into the HTML page the Help menu shows and the package installs:
 //   vantrel_guide <user-guide.md> <user-guide.html>
+// and makes a screenshot into a guide picture (scaled, JPEG, so the guide stays small):
+//   vantrel_guide --picture <shot.png> <picture.jpg> <width>
 // Headings may end in "{#name}"; the name becomes the heading's anchor (the Help menu's entries
 // jump to them). Qt's own Markdown reader does the parsing.
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStringList>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QImage>
 #include <QtGui/QTextBlock>
 #include <QtGui/QTextCursor>
 #include <QtGui/QTextDocument>
@@ -27,6 +30,16 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
+    if (argc == 5 && QByteArray(argv[1]) == "--picture") {
+        const QImage shot(QString::fromLocal8Bit(argv[2]));
+        const int width = QByteArray(argv[4]).toInt();
+        if (shot.isNull() || width < 16) {
+            std::fprintf(stderr, "cannot read %s\n", argv[2]);
+            return 1;
+        }
+        const QImage scaled = shot.width() > width ? shot.scaledToWidth(width, Qt::SmoothTransformation) : shot;
+        return scaled.convertToFormat(QImage::Format_RGB888).save(QString::fromLocal8Bit(argv[3]), "JPEG", 86) ? 0 : 1;
+    }
     if (argc != 3) {
         std::fprintf(stderr, "usage: %s <guide.md> <guide.html>\n", argv[0]);
         return 2;

@@ -113,6 +113,11 @@ private slots:
         // A queued name is handed on as UTF-8, whatever the locale.
         const QString accented = QString::fromUtf8("/tmp/caf\xc3\xa9 \xe6\x97\xa5.jpg");
         QCOMPARE(AppStartup::pickStartupFile({accented}, 1, bare), QByteArray("/tmp/caf\xc3\xa9 \xe6\x97\xa5.jpg"));
+        // Filter files after the photo are looks to apply; the plug-in id is never one.
+        QByteArray look("/tmp/Warm.VNF"), flag("--plugin-id"), id("id.vnf"), second("b.vnf");
+        char* withLooks[] = {arg0.data(), arg1.data(), look.data(), flag.data(), id.data(), second.data(), nullptr};
+        QCOMPARE(AppStartup::pickFilterFiles(6, withLooks), QStringList({"/tmp/Warm.VNF", "b.vnf"}));
+        QVERIFY(AppStartup::pickFilterFiles(2, withPath).isEmpty());
     }
 
     void onlyExistingNonFolderPathsAreOpened()
