@@ -504,6 +504,30 @@ void MainWindow::showLoadDialog()
 // ---------------------------------------------------------------------------------------------
 // Layout
 
+QString MainWindow::neighbourMediaFile(const QString& path, int step)
+{
+    const QFileInfo current(path);
+    const QStringList names = current.dir().entryList(); // the folder's default order
+    int start = -1;
+    for (int i = 0; i < names.size(); ++i)
+        if (names[i].compare(current.fileName(), Qt::CaseInsensitive) == 0) {
+            start = i;
+            break;
+        }
+    const int count = int(names.size());
+    if (count == 0)
+        return QString();
+    if (start < 0)
+        start = step > 0 ? count - 1 : 0; // the file has gone: begin at the end it would leave from
+    for (int i = (start + step + count) % count;; i = (i + step + count) % count) {
+        // IsLoadableImagePath compares extensions without regard to case.
+        if (IsLoadableImagePath(names[i].toStdString()))
+            return current.dir().filePath(names[i]);
+        if (i == start)
+            return QString();
+    }
+}
+
 QRect MainWindow::documentArea() const
 {
     const int W = central->width(), H = central->height();
@@ -724,7 +748,12 @@ void MainWindow::menuTriggered(QAction* act)
         if (doc && !doc->filePath.isEmpty())
             revealInFileBrowser(doc->filePath);
     } else if (t == "Load Next" || t == "Load Previous") {
-        // Stepping through the folder comes with the document flow.
+        // The tray stays: a look can be tried through a whole folder.
+        if (doc && !doc->filePath.isEmpty()) {
+            const QString next = neighbourMediaFile(doc->filePath, t == "Load Next" ? 1 : -1);
+            if (!next.isEmpty())
+                loadFile(next);
+        }
     } else if (t == "Save Filter to Presets...") {
         saveFavoriteFilterPrompt();
     } else if (t == "Reveal Presets Folder") {

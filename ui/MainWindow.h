@@ -72,6 +72,10 @@ public:
 
     // The text of the "Media Info" dialog for a document (also for tests).
     static QString mediaInfoText(const MVDocument& doc, int outputWidth, int outputHeight);
+    // "Load Next" / "Load Previous": the next loadable file of path's folder by step (+1, -1),
+    // wrapping round and skipping other files; path itself when it is the only one. Empty when
+    // the folder has none.
+    static QString neighbourMediaFile(const QString& path, int step);
     // The local page a Help entry opens.
     static QString helpPageAnchor(const QString& actionText);
 

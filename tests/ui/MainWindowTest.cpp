@@ -9,6 +9,8 @@
 #include "ui/MainWindow.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
 #include <QtGui/QImageReader>
 #include <QtTest/QtTest>
 #include <QtWidgets/QAction>
@@ -249,6 +251,28 @@ private slots:
         QVERIFY(append && w.actions().contains(append));
         QCOMPARE(MainWindow::helpPageAnchor(QStringLiteral("Send Feedback")), QStringLiteral("feedback"));
         QVERIFY(!w.triggerActionByText(QStringLiteral("No Such Entry")));
+    }
+
+    void loadNextWrapsAndSkipsOtherFiles()
+    {
+        QTemporaryDir dir;
+        for (const char* name : {"a.jpg", "B.TXT", "c.JPG", "d.png"}) {
+            QFile f(dir.filePath(QString::fromLatin1(name)));
+            QVERIFY(f.open(QIODevice::WriteOnly));
+        }
+        const auto next = [&](const char* from, int step) {
+            return QFileInfo(MainWindow::neighbourMediaFile(dir.filePath(QString::fromLatin1(from)), step)).fileName();
+        };
+        QCOMPARE(next("a.jpg", 1), QStringLiteral("c.JPG")); // B.TXT skipped
+        QCOMPARE(next("d.png", 1), QStringLiteral("a.jpg")); // wraps at the end
+        QCOMPARE(next("a.jpg", -1), QStringLiteral("d.png")); // and at the start
+        QCOMPARE(next("C.jpg", 1), QStringLiteral("d.png"));  // names compare without case
+        QTemporaryDir lone;
+        QFile only(lone.filePath(QStringLiteral("only.jpg")));
+        QVERIFY(only.open(QIODevice::WriteOnly));
+        QFile other(lone.filePath(QStringLiteral("notes.txt")));
+        QVERIFY(other.open(QIODevice::WriteOnly));
+        QCOMPARE(QFileInfo(MainWindow::neighbourMediaFile(only.fileName(), 1)).fileName(), QStringLiteral("only.jpg"));
     }
 
     void mediaInfoListsTheSourcesFacts()
