@@ -78,6 +78,8 @@ signals:
     void adjusted(QWidget* control);
     void rightClicked(QWidget* control);
     void heightChanged();
+    // A list control's open list points at another row (MVListChooser::hoveredIndex()).
+    void hovered(QWidget* control);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

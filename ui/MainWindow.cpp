@@ -102,6 +102,7 @@ MainWindow::MainWindow(const QString& styleSheetText, QWidget* parent) : QMainWi
     setCentralWidget(central);
 
     buildToolPanel();
+    buildPreviews();
     trayArea = new QWidget(central);
     trayArea->setObjectName(QStringLiteral("trayArea"));
     trayArea->setAttribute(Qt::WA_StyledBackground, true);
@@ -724,7 +725,7 @@ void MainWindow::menuTriggered(QAction* act)
     } else if (t == "Crop/Straighten" || t == "Rotate Left" || t == "Rotate Right") {
         // The crop tool and the media turns come with the tools.
     } else if (t == "Quicklook Presets" || t == "Quicklook Presets (Append)") {
-        // The quicklook chooser comes with the previews.
+        openQuicklook(t == "Quicklook Presets (Append)");
     } else if (t == "Toggle Original") {
         previewButtonPressed();
     } else if (t == "Next Preset") {
@@ -1118,13 +1119,9 @@ void MainWindow::toolRequestedExit(MVToolWidget*) { activeTool = nullptr; }
 void MainWindow::cancelRenderQueueItem(int) {}
 void MainWindow::processingInfoTimerFired() {}
 void MainWindow::previewProcessorTimerFired() {}
-void MainWindow::controlHovered(QWidget*) {}
 void MainWindow::shuttleControlAdjusted() {}
 void MainWindow::setShuttleInPoint() {}
 void MainWindow::setShuttleOutPoint() {}
-void MainWindow::imageModHovered(ImageMod*) {}
-void MainWindow::filterPreviewChosen(QString) {}
-void MainWindow::previewSectionEnabled(int, QString, bool) {}
 void MainWindow::onImageRepositioned() {}
 void MainWindow::videoShuttleUpdateRequest(VideoLoaderSaverTime) {}
 void MainWindow::previewButtonPressed() {}

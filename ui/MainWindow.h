@@ -1,4 +1,5 @@
 #pragma once
+#include "core/FlexImage.h"
 #include "core/ModCatalogue.h"
 #include "ui/MVDocument.h"
 
@@ -7,6 +8,7 @@
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include <vector>
@@ -26,6 +28,8 @@ class MVPanelItemBigButton;
 class QAction;
 class QPushButton;
 class TrayWidget;
+class MVPreviewPanel;
+class MVPreviewChooser;
 
 // The single top window and the switchboard of the program: it owns the documents and panels,
 // builds the menus (whose action texts are the keys of the dispatch) and places every child by
@@ -152,6 +156,33 @@ public:
     // The undo step of one adjustment: the tray snapshots the selected tile.
     void pushTileAdjustUndo();
 
+    // --- previews: hover previews and the quicklook chooser (ui/MainWindowPreviews.cpp) ---
+    // The small version of the current photo from which previews start: the source with the
+    // crop applied, fitted into the picture area's pixels.
+    FlexImageFloat previewBase;
+    // Makes previewBase again, fitted into width x height pixels, when the viewer says it is
+    // stale or the size, the crop or the current viewer changed. True when the base is new.
+    bool refreshPreviewBase(int width, int height);
+    // The pixel bound of the base: the current viewer's size less its margin, times the ratio.
+    QSize previewBaseBound() const;
+    // Wires the panel's hover signal; called once from the constructor.
+    void buildPreviews();
+    // "Quicklook Presets" and its append twin: the chooser over the picture area.
+    void openQuicklook(bool append);
+    // Lowers the hover preview and gives the viewer its list again.
+    void endHoverPreview();
+    MVPreviewPanel* previewPanel = nullptr;
+    QPointer<MVPreviewChooser> quicklook;
+    // The hover signal's append flag, for the hover it comes with.
+    bool hoverAppend = false;
+    const MVMediaWidget* previewBaseViewer = nullptr;
+    std::vector<std::unique_ptr<ImageMod>> previewBaseCrop;
+    QSize previewBaseSize;
+    // Hovers that found the viewer's source busy and wait a moment for it.
+    QTimer* hoverRetryTimer = nullptr;
+    ImageMod* hoverRetryMod = nullptr;
+    int hoverRetries = 0;
+
     static constexpr int panelWidth = 224;
     static constexpr int trayHeight = 96;
     static constexpr int trayInset = 5;
@@ -187,7 +218,7 @@ public slots:
     void comIDButtonClicked(MVPanelItemBigButton* button);
     void deleteFavoriteClicked(MVPanelItemListButton* row);
     void imageModHovered(ImageMod* mod);
-    void filterPreviewChosen(QString name);
+    void filterPreviewChosen(ImageMod* mod, bool append);
     void previewSectionEnabled(int tabID, QString sectionName, bool enabled);
     void saveFavoriteFilterPrompt();
     void onEmptyClick();

@@ -34,6 +34,7 @@ void MainWindow::showControlsFor(ImageMod* mod)
         connect(controlColumn, &MVControlColumn::adjusted, this, &MainWindow::controlAdjusted);
         connect(controlColumn, &MVControlColumn::rightClicked, this, &MainWindow::controlRightClicked);
         connect(controlColumn, &MVControlColumn::heightChanged, this, &MainWindow::controlHeightChanged);
+        connect(controlColumn, &MVControlColumn::hovered, this, &MainWindow::controlHovered);
         nodeControlAnimationTimer = new QTimer(this);
         nodeControlAnimationTimer->setInterval(kFadeInterval);
         connect(nodeControlAnimationTimer, &QTimer::timeout, this, &MainWindow::nodeControlAnimationTimerFired);
