@@ -4,9 +4,9 @@
 
 #include "core/ImageModVariableDataChoice.h"
 #include "document/MVMediaWidget.h"
+#include "document/MVPreviewBaseBuilder.h"
 #include "document/MVPreviewChooser.h"
 #include "document/MVPreviewPanel.h"
-#include "document/core/GeometryResampling.h"
 #include "document/core/PreviewList.h"
 #include "filters/FileFilter.h"
 #include "ui/DevicePixelRatio.h"
@@ -26,9 +26,12 @@ namespace {
 
 // The viewer keeps this much room around a fitted picture; the preview fits the same way.
 constexpr int kFitMargin = 20;
-// How soon a hover that found the source busy (a pass reading it) asks again, and how often.
-constexpr int kHoverRetryInterval = 15;
-constexpr int kHoverRetryLimit = 200;
+// While the base is being made, waiting hovers and quicklooks look again this often, for at most
+// this many ticks (a base that can't be made doesn't keep the timer going).
+constexpr int kBaseWaitInterval = 15;
+constexpr int kBaseWaitLimit = 1000;
+// How often an idle viewer is checked for a base to make ahead of the first hover.
+constexpr int kIdleCheckInterval = 250;
 
 std::vector<ImageMod*> cropMods(const std::vector<ImageMod*>& list)
 {
@@ -53,19 +56,50 @@ bool sameMods(const std::vector<ImageMod*>& now, const std::vector<std::unique_p
 
 void MainWindow::buildPreviews()
 {
+    previewBaseBuilder = std::make_shared<MVPreviewBaseBuilder>();
     // The panel's signal carries the append flag, which the hover needs to place the mod.
     disconnect(toolPanel, &MVToolPanel::imageModHovered, this, &MainWindow::imageModHovered);
     connect(toolPanel, &MVToolPanel::imageModHovered, this, [this](ImageMod* mod, bool append) {
         hoverAppend = append;
         imageModHovered(mod);
     });
-    hoverRetryTimer = new QTimer(this);
-    hoverRetryTimer->setSingleShot(true);
-    hoverRetryTimer->setInterval(kHoverRetryInterval);
-    connect(hoverRetryTimer, &QTimer::timeout, this, [this] {
-        if (hoverRetryMod)
-            imageModHovered(hoverRetryMod);
+    previewBaseTimer = new QTimer(this);
+    previewBaseTimer->setInterval(kBaseWaitInterval);
+    connect(previewBaseTimer, &QTimer::timeout, this, [this] {
+        const QSize bound = previewBaseBound();
+        refreshPreviewBase(bound.width(), bound.height());
+        const bool waiting = hoverWaitingMod || quicklookWaiting >= 0;
+        if (!waiting || ++hoverWaitTicks > kBaseWaitLimit) {
+            hoverWaitingMod = nullptr;
+            quicklookWaiting = -1;
+            if (!previewBaseBuilder->isRunning())
+                previewBaseTimer->stop();
+            return;
+        }
+        if (!previewBaseMatches(bound.width(), bound.height()))
+            return;
+        if (hoverWaitingMod) {
+            ImageMod* mod = hoverWaitingMod;
+            hoverWaitingMod = nullptr;
+            imageModHovered(mod);
+        }
+        if (quicklookWaiting >= 0) {
+            const bool append = quicklookWaiting == 1;
+            quicklookWaiting = -1;
+            openQuicklook(append);
+        }
     });
+    previewIdleTimer = new QTimer(this);
+    previewIdleTimer->setInterval(kIdleCheckInterval);
+    connect(previewIdleTimer, &QTimer::timeout, this, [this] {
+        MVMediaWidget* v = currentViewer();
+        if (!toolPanel || !toolPanel->hoverPreviews || !v || !v->hasMedia || v->isHidden() || !displaySettled())
+            return;
+        const QSize bound = previewBaseBound();
+        if (!previewBaseMatches(bound.width(), bound.height()))
+            refreshPreviewBase(bound.width(), bound.height());
+    });
+    previewIdleTimer->start();
 }
 
 QSize MainWindow::previewBaseBound() const
@@ -77,49 +111,60 @@ QSize MainWindow::previewBaseBound() const
     return QSize(std::max(1, int((v->width() - kFitMargin) * d)), std::max(1, int((v->height() - kFitMargin) * d)));
 }
 
-bool MainWindow::refreshPreviewBase(int width, int height)
+bool MainWindow::previewBaseMatches(int width, int height)
 {
     MVMediaWidget* v = currentViewer();
     TrayWidget* tray = currentTray();
-    if (!v || !v->hasMedia || width < 1 || height < 1)
-        return false;
-    const std::vector<ImageMod*> crop = cropMods(tray ? tray->flatModList(false) : std::vector<ImageMod*>{});
-    bool stale = false;
-    {
-        std::lock_guard<std::mutex> lock(v->stateMutex);
-        stale = v->previewBaseStale;
-    }
-    if (!stale && v == previewBaseViewer && previewBaseSize == QSize(width, height) && !previewBase.isEmpty() &&
-        sameMods(crop, previewBaseCrop))
+    if (previewBaseOutdated || !v || !v->hasMedia || previewBase.isEmpty() || v != previewBaseViewer ||
+        previewBaseSize != QSize(width, height))
         return false;
     {
-        // A pass reads the source for its whole length: the caller tries again shortly rather
-        // than wait on the GUI thread.
-        std::unique_lock<std::mutex> source(v->sourceMutex, std::try_to_lock);
-        if (!source.owns_lock() || !v->sourceImage)
-            return false;
-        if (!geometryResample(*v->sourceImage, previewBase, crop, width, height, false))
-            return false;
-    }
-    {
         std::lock_guard<std::mutex> lock(v->stateMutex);
-        v->previewBaseStale = false;
+        if (v->previewBaseStale)
+            return false;
     }
-    previewBaseViewer = v;
-    previewBaseSize = QSize(width, height);
-    previewBaseCrop.clear();
-    for (ImageMod* m : crop)
-        previewBaseCrop.push_back(cloneMod(*m));
-    return true;
+    return sameMods(cropMods(tray ? tray->flatModList(false) : std::vector<ImageMod*>{}), previewBaseCrop);
+}
+
+bool MainWindow::refreshPreviewBase(int width, int height)
+{
+    bool fresh = false;
+    MVPreviewBaseBuilder::Result done;
+    if (previewBaseBuilder->takeResult(done)) {
+        previewBaseOutdated = false;
+        // Requests the viewer got while the build held its worker get their pass now.
+        if (done.viewerWantsPass)
+            for (MVDocument& d : documents)
+                if (d.viewer == done.viewer)
+                    d.viewer->requestProcessing();
+        if (done.image && done.viewer == currentViewer()) {
+            previewBase.copyFrom(*done.image, true);
+            previewBaseViewer = done.viewer;
+            previewBaseSize = QSize(done.width, done.height);
+            previewBaseCrop = std::move(done.crop);
+            ++previewBaseGeneration;
+            fresh = true;
+        }
+    }
+    MVMediaWidget* v = currentViewer();
+    TrayWidget* tray = currentTray();
+    if (!v || !v->hasMedia || width < 1 || height < 1 || previewBaseMatches(width, height))
+        return fresh;
+    // A busy viewer or a build under way: the timer looks again shortly.
+    if (previewBaseBuilder->start(v, cropMods(tray ? tray->flatModList(false) : std::vector<ImageMod*>{}), width,
+                                  height)) {
+        previewBaseOutdated = true;
+        if (!previewBaseTimer->isActive())
+            previewBaseTimer->start();
+    }
+    return fresh;
 }
 
 void MainWindow::imageModHovered(ImageMod* mod)
 {
-    if (mod != hoverRetryMod)
-        hoverRetries = 0;
-    hoverRetryMod = nullptr;
-    if (hoverRetryTimer)
-        hoverRetryTimer->stop();
+    if (mod != hoverWaitingMod)
+        hoverWaitTicks = 0;
+    hoverWaitingMod = nullptr;
     if (!mod) {
         endHoverPreview();
         return;
@@ -137,13 +182,12 @@ void MainWindow::imageModHovered(ImageMod* mod)
         previewPanel = new MVPreviewPanel(central);
 
     const QSize bound = previewBaseBound();
-    const bool fresh = refreshPreviewBase(bound.width(), bound.height());
-    if (previewBase.isEmpty() || previewBaseViewer != viewer || previewBaseSize != bound) {
-        // The viewer's pass holds the source: ask again in a moment.
-        if (++hoverRetries < kHoverRetryLimit) {
-            hoverRetryMod = mod;
-            hoverRetryTimer->start();
-        }
+    refreshPreviewBase(bound.width(), bound.height());
+    if (!previewBaseMatches(bound.width(), bound.height())) {
+        // The base is being made: the hover shows as soon as it stands.
+        hoverWaitingMod = mod;
+        if (!previewBaseTimer->isActive())
+            previewBaseTimer->start();
         return;
     }
 
@@ -152,8 +196,11 @@ void MainWindow::imageModHovered(ImageMod* mod)
     placeHoveredMod(clones, *mod,
                     hoverAppend ? PreviewPlacement::Append
                                 : (preset ? PreviewPlacement::ReplaceAll : PreviewPlacement::ReplaceSlot));
-    if (fresh)
+    const bool fresh = previewPanelGeneration != previewBaseGeneration;
+    if (fresh) {
         previewPanel->flushCache();
+        previewPanelGeneration = previewBaseGeneration;
+    }
     std::shared_ptr<ColorTransformSet> transform;
     {
         std::lock_guard<std::mutex> lock(viewer->stateMutex);
@@ -212,8 +259,14 @@ void MainWindow::openQuicklook(bool append)
     endHoverPreview();
     const QSize bound = previewBaseBound();
     refreshPreviewBase(bound.width(), bound.height());
-    if (previewBase.isEmpty() || previewBaseViewer != viewer)
+    if (!previewBaseMatches(bound.width(), bound.height())) {
+        // The chooser opens as soon as the base stands.
+        quicklookWaiting = append ? 1 : 0;
+        hoverWaitTicks = 0;
+        if (!previewBaseTimer->isActive())
+            previewBaseTimer->start();
         return;
+    }
 
     // In append mode every thumbnail starts from the tray's look; otherwise only pinned tiles stay.
     std::vector<ImageMod*> shared;
