@@ -155,7 +155,9 @@ void MVPreviewChooser::updateSectionButton(Section& s)
 {
     s.button->setIcon(QIcon(s.collapsed ? QStringLiteral(":/img/preview_chooser_uncollapse.png")
                                         : QStringLiteral(":/img/preview_chooser_collapse.png")));
-    s.button->setText(QStringLiteral("  ") + s.name + QStringLiteral("   ") + QString::number(s.count));
+    // A button reads "&" as a shortcut mark: doubled, it shows as itself.
+    s.button->setText(QStringLiteral("  ") + QString(s.name).replace(QLatin1Char('&'), QStringLiteral("&&")) +
+                      QStringLiteral("   ") + QString::number(s.count));
 }
 
 QRect MVPreviewChooser::cardRect() const
@@ -176,11 +178,15 @@ void MVPreviewChooser::relayout()
     const int w = view.width();
     const int cw = MVPreviewChooserItem::kCellWidth, ch = MVPreviewChooserItem::kCellHeight;
     const int columns = std::max(1, (w + kSpacing) / (cw + kSpacing));
-    const int gridWidth = columns * cw + (columns - 1) * kSpacing;
-    const int left = std::max(0, (w - gridWidth) / 2);
+    // Rows start under the headers' titles, so short sections line up with full ones.
+    const int left = 4;
     int y = 0;
     for (Section& s : sections) {
         s.top = y;
+        // A section without presets (an empty Starred) has nothing to show.
+        s.button->setVisible(s.count > 0);
+        if (s.count == 0)
+            continue;
         s.button->setGeometry(0, y, w, kHeaderHeight - 6);
         y += kHeaderHeight;
         for (int k = 0; k < s.count; ++k) {

@@ -207,8 +207,9 @@ void MainWindow::imageModHovered(ImageMod* mod)
         transform = viewer->displayTransform;
     }
     previewPanel->setGeometry(QRect(viewer->mapTo(central, QPoint(0, 0)), viewer->size()));
+    // A preset is known by its file's name; a tile by its label.
     previewPanel->showPreview(std::move(clones), fresh ? &previewBase : nullptr, transform,
-                              QString::fromStdString(mod->displayName));
+                              QString::fromStdString(preset ? mod->name : mod->displayName));
 }
 
 void MainWindow::endHoverPreview()

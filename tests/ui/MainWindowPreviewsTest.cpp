@@ -208,6 +208,13 @@ private slots:
         QCOMPARE(shown.size(), QSize(win.w.previewBase.width, win.w.previewBase.height));
         QVERIFY(isGrey(shown, 1));
         QCOMPARE(panel.shownLabel(), QString::fromStdString(bw->displayName));
+        // A preset is named by its file.
+        for (MVPanelItemListButton* row : win.w.toolPanel->listButtons(MVToolPanel::kPresetsTab, false))
+            if (row->key == QStringLiteral("Film/Golden Stock")) {
+                win.w.imageModHovered(row->templateMod());
+                QVERIFY(win.previewAnswered());
+                QCOMPARE(panel.shownLabel(), QStringLiteral("Golden Stock"));
+            }
         // The tray and the viewer are untouched by a hover.
         QCOMPARE(win.tray().tileCount(), 0);
         QCOMPARE(win.viewer().displayCopy(), before);
@@ -358,6 +365,12 @@ private slots:
         QCOMPARE(chooser->thumbnailCount(), int(rows.size()));
         const MVToolPanel::Tab* tab = win.w.toolPanel->tab(MVToolPanel::kPresetsTab);
         QCOMPARE(chooser->sectionCount(), int(tab->items.size() - rows.size()));
+        // Names as the panel shows them; an empty section shows no header.
+        for (int i = 0; i < chooser->sectionCount(); ++i) {
+            QVERIFY(win.w.toolPanel->header(MVToolPanel::kPresetsTab, chooser->sectionName(i)));
+            if (chooser->sectionName(i) == QStringLiteral("Black & White"))
+                QVERIFY(chooser->sectionButton(i)->text().contains(QStringLiteral("Black && White")));
+        }
         // It covers the picture area and leaves the panel in sight.
         QCOMPARE(chooser->geometry().right(), win.w.toolPanel->geometry().left() - 1);
 
@@ -483,6 +496,48 @@ private slots:
         QVERIFY(win.w.quicklook->isSectionCollapsed(section));
         win.w.quicklook->closeButtonPressed();
         win.w.toolPanel->headerToggled(win.w.toolPanel->header(MVToolPanel::kPresetsTab, name));
+    }
+
+    void picturesOfAHoverAndTheQuicklook()
+    {
+        // Writes pictures for a person to look at when VANTREL_SHOT_DIR is set.
+        const QString sample = QFINDTESTDATA("../../resources/sample/sample.jpg");
+        if (sample.isEmpty())
+            QSKIP("sample photo missing");
+        const QString dirName = QString::fromLocal8Bit(qgetenv("VANTREL_SHOT_DIR"));
+        Window win;
+        win.w.resize(1600, 1000);
+        QVERIFY(win.load(sample));
+        win.tray().addMod(*make("Vignette"));
+        win.w.trayContentChanged();
+        QVERIFY(win.settle());
+        MVPanelItemListButton* row = nullptr;
+        for (MVPanelItemListButton* r : win.w.toolPanel->listButtons(MVToolPanel::kPresetsTab, false))
+            if (r->key == QStringLiteral("Cinematic/Teal and Amber"))
+                row = r;
+        QVERIFY(row);
+        win.w.toolPanel->setCurrentTab(MVToolPanel::kPresetsTab);
+        win.w.imageModHovered(row->templateMod());
+        QVERIFY(win.previewAnswered());
+        QTest::qWait(50);
+        const QImage hover = win.w.grab().toImage();
+        QVERIFY(!hover.isNull());
+        // The preview covers the picture: the window shows it, not the viewer's own picture.
+        const QRect over = win.w.previewPanel->geometry();
+        QVERIFY(over.width() > 400 && over.height() > 300);
+        if (!dirName.isEmpty())
+            hover.save(dirName + QStringLiteral("/previews_hover.png"));
+        win.w.imageModHovered(nullptr);
+
+        QVERIFY(win.w.triggerActionByText(QStringLiteral("Quicklook Presets")));
+        QTRY_VERIFY_WITH_TIMEOUT(win.w.quicklook, 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(win.w.quicklook->unfinishedCount() == 0, 60000);
+        QTest::qWait(100);
+        const QImage look = win.w.grab().toImage();
+        QVERIFY(!look.isNull());
+        if (!dirName.isEmpty())
+            look.save(dirName + QStringLiteral("/previews_quicklook.png"));
+        win.w.quicklook->closeButtonPressed();
     }
 
     void hoverLatencyOnALargePhoto()
