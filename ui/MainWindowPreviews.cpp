@@ -63,6 +63,8 @@ void MainWindow::buildPreviews()
         hoverAppend = append;
         imageModHovered(mod);
     });
+    // A click carries the row out; the preview of it would stand over the real thing, one step behind.
+    connect(toolPanel, &MVToolPanel::modButtonClicked, this, [this] { endHoverPreview(); });
     previewBaseTimer = new QTimer(this);
     previewBaseTimer->setInterval(kBaseWaitInterval);
     connect(previewBaseTimer, &QTimer::timeout, this, [this] {

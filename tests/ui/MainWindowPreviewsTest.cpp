@@ -262,8 +262,11 @@ private slots:
         win.w.imageModHovered(colourPreset->templateMod());
         QVERIFY(win.previewAnswered());
         QVERIFY(hasColour(win.w.previewPanel->resultCopy()));
-        win.w.imageModHovered(nullptr);
+        // A click on the row ends the preview: the tray now shows the real thing.
+        emit win.w.toolPanel->modButtonClicked(colourPreset, false, false);
         QVERIFY(win.w.previewPanel->isHidden());
+        QVERIFY(win.tray().tileCount() > 0);
+        QVERIFY(!names(win.tray()).contains(QStringLiteral("Greyscale Channel Mixer")));
     }
 
     void listHoverSwitchesTheTileOnAndActsLiveWithoutUndo()
