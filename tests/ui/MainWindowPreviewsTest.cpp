@@ -520,7 +520,11 @@ private slots:
                 row = r;
         QVERIFY(row);
         win.w.toolPanel->setCurrentTab(MVToolPanel::kPresetsTab);
-        win.w.imageModHovered(row->templateMod());
+        // The pointer on the row, as a person would hover it (a real display moves the cursor; the
+        // offscreen one may not, and then the row's signal is given directly).
+        QTest::mouseMove(row, row->rect().center());
+        if (!QTest::qWaitFor([&win] { return win.w.previewPanel && win.w.previewPanel->isActive(); }, 1500))
+            win.w.imageModHovered(row->templateMod());
         QVERIFY(win.previewAnswered());
         QTest::qWait(50);
         const QImage hover = win.w.grab().toImage();
