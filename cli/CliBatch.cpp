@@ -2,8 +2,7 @@
 
 #include "desktop_only/MediaLoading.h"
 #include "desktop_only/MediaProbe.h"
-#include "document/core/HeadlessRender.h"
-#include "media/ImageModColorProfile.h"
+#include "desktop_only/RenderAndSave.h"
 #include "media/MediaFormats.h"
 
 #include <QDir>
@@ -162,22 +161,9 @@ bool renderFileTo(const CliRenderItem& item, const std::vector<ImageMod*>& mods,
         }
         return false;
     }
-    if (item.bits > 0) {
-        info.bitsPerComponent = item.bits;
-    } else {
-        const MediaFormat* format = findSaveFormat(item.output, info.bitsPerComponent);
-        info.bitsPerComponent = format && format->depthCode == 7 ? 16 : 8;
-    }
-
-    MediaSaveRenderer renderer;
-    renderer.renderFullSize = [&](FlexImageFloat& out, int32_t width, int32_t height) {
-        return renderFullSize(source, mods, out, width, height);
-    };
-    renderer.outputProfile = [&](std::vector<uint8_t>& icc, ColorSpaceKind& kind) {
-        return colorProfileForSave(mods, icc, kind);
-    };
+    const int32_t flags = item.bits == 16 ? kRenderSave16Bit : item.bits > 0 ? kRenderSave8Bit : kRenderSaveDepthFromFormat;
     const bool sized = settings.width > 0 && settings.height > 0;
-    if (!SaveMediaFile(renderer, info, item.output, sized ? settings.width : 0, sized ? settings.height : 0,
+    if (!renderAndSave(source, info, item.output, sized ? settings.width : 0, sized ? settings.height : 0, mods, flags,
                        settings.quality)) {
         error = "can't render or write " + item.output;
         return false;

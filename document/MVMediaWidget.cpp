@@ -94,8 +94,10 @@ MVMediaWidget::~MVMediaWidget()
 {
     updateDisplayTimer.stop();
     hiResTimer.stop();
-    // A pass under way still uses the images; wait for it to hand the worker back.
+    // A pass under way still uses the images; wait for it to hand the worker back. The worker
+    // hands it back while it still holds stateMutex, so wait for that lock too before it goes.
     workerBusy.acquire();
+    { std::lock_guard<std::mutex> lock(stateMutex); }
     workerBusy.release();
 }
 

@@ -34,9 +34,29 @@ QByteArray AppStartup::pickStartupFile(const QStringList& pendingFiles, int argc
 {
     if (!pendingFiles.isEmpty())
         return pendingFiles.first().toUtf8();
-    if (argc >= 2 && argv[1] != nullptr)
-        return QByteArray(argv[1]);
+    for (int i = 1; i < argc && argv[i] != nullptr; ++i) {
+        if (QByteArray(argv[i]) == "--plugin-id") {
+            ++i;
+            continue;
+        }
+        return QByteArray(argv[i]);
+    }
     return QByteArray();
+}
+
+QString AppStartup::pickPluginID(int argc, char** argv, bool* present)
+{
+    if (present)
+        *present = false;
+    for (int i = 1; i < argc && argv[i] != nullptr; ++i) {
+        if (QByteArray(argv[i]) != "--plugin-id")
+            continue;
+        if (present)
+            *present = true;
+        const QString id = i + 1 < argc && argv[i + 1] ? QString::fromUtf8(argv[i + 1]) : QString();
+        return id.isEmpty() ? QStringLiteral("NULLID") : id;
+    }
+    return QString();
 }
 
 bool AppStartup::isOpenableFile(const QByteArray& path)

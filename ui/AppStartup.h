@@ -18,7 +18,12 @@ public:
 
     // The file to open at start: the first pending file-open event wins over argv[1]; the rest of
     // the pending files and of the command line are ignored. Empty when there is none.
+    // "--plugin-id ID" anywhere on the line is skipped: the first other argument is the file.
     static QByteArray pickStartupFile(const QStringList& pendingFiles, int argc, char** argv);
+
+    // The host's request id after "--plugin-id"; empty when the option is absent. The option
+    // without a value gives "NULLID", so plug-in mode still starts.
+    static QString pickPluginID(int argc, char** argv, bool* present = nullptr);
 
     // True when the path names something that exists and is not a folder.
     static bool isOpenableFile(const QByteArray& path);

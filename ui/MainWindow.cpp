@@ -272,6 +272,7 @@ void MainWindow::buildMenus()
 
     for (QMenu* m : {file, edit, editSub, view, help})
         connect(m, &QMenu::triggered, this, &MainWindow::menuTriggered);
+    setupSaveArea(file, edit);
 
     // Actions on the window only, without a menu entry.
     addWindowAction("Quicklook Presets (Append)", {QKeySequence(QStringLiteral("Shift+F"))});
@@ -364,6 +365,8 @@ void MainWindow::closeDocumentAt(int index)
 {
     if (index < 0 || index >= documentCount)
         return;
+    if (activeTool)
+        toolRequestedExit(activeTool); // a tool works on one picture
     MVDocument& doc = documents[size_t(index)];
     doc.viewer->clearMedia();
     tabBar->removeTab(doc.tabID);
@@ -381,6 +384,8 @@ void MainWindow::selectDocument(int index)
 {
     if (index < 0 || index >= documentCount)
         return;
+    if (activeTool && index != currentDocument)
+        toolRequestedExit(activeTool); // a tool works on one picture
     currentDocument = index;
     tabBar->selectTab(documents[size_t(index)].tabID);
     documents[size_t(index)].viewer->previewBaseStale = true;
@@ -427,6 +432,8 @@ bool MainWindow::loadFile(const QString& path)
 {
     if (currentDocument < 0 || currentDocument >= documentCount)
         return false;
+    if (activeTool)
+        toolRequestedExit(activeTool); // a tool works on one picture
     MVDocument& doc = documents[size_t(currentDocument)];
     resetTrayForNewMedia(doc);
     const std::string utf8 = path.toUtf8().toStdString();
@@ -545,6 +552,7 @@ void MainWindow::layoutWindow()
     layoutPanes(area);
     layoutTray();
     controlHeightChanged();
+    placePluginButton();
 }
 
 void MainWindow::layoutPanes(const QRect& area)
@@ -688,17 +696,17 @@ void MainWindow::menuTriggered(QAction* act)
     if (!act || controlMenuTriggered(act))
         return;
     const std::string t = act->text().toUtf8().toStdString();
-    if (trayMenuAction(t))
+    if (toolMenuAction(t) || trayMenuAction(t))
         return;
     MVMediaWidget* viewer = currentViewer();
     MVDocument* doc = currentDocument < documentCount ? &documents[size_t(currentDocument)] : nullptr;
+    if (saveAreaMenuTriggered(t, act))
+        return;
 
     if (t == "Load Photo...") {
         showLoadDialog();
     } else if (t == "New Tab") {
         newTabButtonPressed();
-    } else if (t == "Save As..." || t == "Save Over Original" || t == "Batch Process Folder...") {
-        // The save flow and the batch wizard come with their own windows.
     } else if (t == "Close Photo") {
         if (doc) {
             doc->viewer->clearMedia();
@@ -722,8 +730,6 @@ void MainWindow::menuTriggered(QAction* act)
         const QString folder = QString::fromStdString(PresetLibrary(dataFolder()).presetsFolder());
         QDir().mkpath(folder);
         QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
-    } else if (t == "Crop/Straighten" || t == "Rotate Left" || t == "Rotate Right") {
-        // The crop tool and the media turns come with the tools.
     } else if (t == "Quicklook Presets" || t == "Quicklook Presets (Append)") {
         openQuicklook(t == "Quicklook Presets (Append)");
     } else if (t == "Toggle Original") {
@@ -747,7 +753,7 @@ void MainWindow::menuTriggered(QAction* act)
         setInterfaceState(panelVisible, !trayVisible);
     } else if (t == "Show/Hide Tool Panel") {
         setInterfaceState(!panelVisible, trayVisible);
-    } else if (t == "Show/Hide Render Queue" || t == "Show/Hide Pixel Inspector") {
+    } else if (t == "Show/Hide Pixel Inspector") {
         // Sub windows of their own.
     } else if (t == "Luminance Histogram") {
         toggleHistogramView(0);
@@ -1051,6 +1057,8 @@ void MainWindow::dropEvent(QDropEvent* e)
         const std::string utf8 = path.toUtf8().toStdString();
         if (QFileInfo(path).suffix().compare(QLatin1String("vnf"), Qt::CaseInsensitive) == 0)
             loadFilterSlot(path, !(e->keyboardModifiers() & Qt::ShiftModifier));
+        else if (QFileInfo(path).suffix().compare(QLatin1String("cube"), Qt::CaseInsensitive) == 0)
+            addLutTile(path);
         else if (IsLoadableImagePath(utf8) || isNativeImagePath(utf8))
             loadFile(path);
         else
@@ -1114,10 +1122,6 @@ void MainWindow::toggleHistogramView(int)
 
 // Parts of the window that arrive with their own subsystems: plug-in hand-back, tools, the render
 // queue, previews, the tray and its controls, the video shuttle.
-void MainWindow::sendToPluginHost() {}
-void MainWindow::toolRequestedExit(MVToolWidget*) { activeTool = nullptr; }
-void MainWindow::cancelRenderQueueItem(int) {}
-void MainWindow::processingInfoTimerFired() {}
 void MainWindow::previewProcessorTimerFired() {}
 void MainWindow::shuttleControlAdjusted() {}
 void MainWindow::setShuttleInPoint() {}
@@ -1126,5 +1130,4 @@ void MainWindow::onImageRepositioned() {}
 void MainWindow::videoShuttleUpdateRequest(VideoLoaderSaverTime) {}
 void MainWindow::previewButtonPressed() {}
 void MainWindow::previewVideoButtonPressed() {}
-void MainWindow::cancelProcessingButtonPressed() {}
 void MainWindow::displayFinishedUpdating() {}

@@ -5,12 +5,13 @@
 
 #include <QtCore/QPointer>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtWidgets/QMainWindow>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
-
 #include <vector>
 
 class ImageMod;
@@ -27,6 +28,10 @@ class MVPanelItemListButton;
 class MVPanelItemBigButton;
 class QAction;
 class QPushButton;
+class RenderQueue;
+class SaveSizeWindow;
+class MVRenderQueueWindow;
+class XmlPreferencesWindow;
 class TrayWidget;
 class MVPreviewPanel;
 class MVPreviewChooser;
@@ -110,6 +115,21 @@ public:
     QPushButton* newTabButton = nullptr;
     std::vector<QPushButton*> miniButtons;
 
+    // --- modal tools: crop and straighten, spot heal, media turns (ui/MainWindowTools.cpp) ---
+    // startTool (declared with the panel) lives here: 0 "Crop/Straighten", 1 "Spot Heal"; a running
+    // tool of another kind ends first; refuses with a message without a photo (and on video).
+    // Lays the tile's on-canvas controls (points, frames, the white point pick) over the current
+    // viewer as nodeControls, replacing any before; none for null or while a tool runs.
+    void showOnCanvasControlsFor(ImageMod* mod);
+    // The tool menu entries and Undo/Redo while a tool runs; true when the text was handled.
+    bool toolMenuAction(const std::string& text);
+    // A quarter turn of the current photo, one undo step; the crop turns with it.
+    void rotateCurrentMedia(bool clockwise);
+    // The crop the tool edits: the tray's hidden crop of the document, or null when it has none.
+    ImageMod* documentCrop(MVDocument& doc) const;
+    // The hand-over of a crop the tool made new: it joins the document's hidden mods.
+    void commitCropToDocument(MVDocument& doc, std::unique_ptr<ImageMod> crop);
+
     // --- tray, undo and filter files (ui/MainWindowTray.cpp) ---
     TrayWidget* currentTray() const;
     // Shows the controls of the current tray's selected tile (none when nothing is selected).
@@ -156,6 +176,38 @@ public:
     bool controlMenuTriggered(QAction* act);
     // The undo step of one adjustment: the tray snapshots the selected tile.
     void pushTileAdjustUndo();
+
+    // --- Saving, batch, render queue, preferences, LUT files and plug-in hand-back (MainWindowSave.cpp) ---
+    // The dialogs the save and batch flows ask through; tests answer them instead.
+    struct SaveFlowDialogs {
+        std::function<bool(SaveSizeWindow& dialog)> runOptions; // true on OK
+        std::function<QString(const QString& title, const QString& start, const QString& filter)> askSavePath;
+        std::function<QString(const QString& title, const QString& start, const QString& filter)> askOpenPath;
+        std::function<QString(const QString& title, const QString& start)> askFolder;
+    };
+    SaveFlowDialogs saveDialogs;
+    std::shared_ptr<RenderQueue> renderQueue;
+    QTimer* processingInfoTimer = nullptr;
+    QPushButton* sendToPluginButton = nullptr;
+    QPointer<XmlPreferencesWindow> preferencesWindow;
+    // Where the hand-back lines go (standard output, which the host reads).
+    FILE* pluginOutput = stdout;
+
+    // "Save As..." is (false, true), "Save Over Original" (false, false).
+    void saveFlow(bool saveFrameOfVideo, bool showDialog);
+    void batchFlow();
+    void exportFilterLutFlow();
+    void loadLutFlow();
+    // Reads the .cube file and adds a "3D LUT" tile; a bad file is named in a message and adds nothing.
+    bool addLutTile(const QString& path);
+    void showPreferencesWindow();
+    // Switches the hand-back on for the host's request id.
+    void setPluginMode(const QString& callID);
+    // The current document's flat tile list, cloned.
+    std::vector<std::unique_ptr<ImageMod>> currentModClones();
+    MVRenderQueueWindow* queueWindow() const;
+    // The caches folder joined with "pluginreturnfilter.vnf".
+    static QString pluginReturnFilterPath();
 
     // --- previews: hover previews and the quicklook chooser (ui/MainWindowPreviews.cpp) ---
     // The small version of the current photo from which previews start: the source with the
@@ -290,6 +342,11 @@ private:
     void detachTray(MVDocument& doc);
     void resetTrayForNewMedia(MVDocument& doc);
     void layoutTray();
+    // Saving area: the queue, its window and timer, the plug-in button, the extra menu entries.
+    void setupSaveArea(QMenu* fileMenu, QMenu* editMenu);
+    // The menu texts of the saving area; false when t isn't one of them.
+    bool saveAreaMenuTriggered(const std::string& t, QAction* act);
+    void placePluginButton();
 
     QWidget* central = nullptr;
     QPointer<MVStartupWindow> startupWindow;

@@ -52,6 +52,7 @@ void MainWindow::showControlsFor(ImageMod* mod)
     controlsOpacity->setOpacity(1.0);
     controlColumn->setVisible(mod && !panelControls.empty());
     controlHeightChanged();
+    showOnCanvasControlsFor(mod);
 }
 
 void MainWindow::controlHeightChanged()

@@ -75,11 +75,6 @@ void MainWindow::comIDButtonClicked(MVPanelItemBigButton* button)
         startTool(button->commandId);
 }
 
-void MainWindow::startTool(int)
-{
-    // The crop and spot heal tools attach here; until they exist the buttons do nothing.
-}
-
 void MainWindow::deleteFavoriteClicked(MVPanelItemListButton* row)
 {
     if (!row)

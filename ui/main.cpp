@@ -40,6 +40,11 @@ int main(int argc, char** argv)
     // New text tiles start in the family chosen last.
     ImageModTextOverlay::setDefaultFontFamily(MultiData::global().getString(PrefKeys::kLastFont, ""));
 
+    bool pluginRequested = false;
+    const QString pluginID = AppStartup::pickPluginID(argc, argv, &pluginRequested);
+    if (pluginRequested)
+        mainWindow->setPluginMode(pluginID);
+
     const QByteArray path = AppStartup::pickStartupFile(app.pendingFiles, argc, argv);
     if (AppStartup::isOpenableFile(path))
         mainWindow->loadFile(QString::fromUtf8(path));

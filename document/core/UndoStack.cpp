@@ -49,3 +49,20 @@ void UndoStack::clear()
     undoList.clear();
     redoList.clear();
 }
+
+void UndoStack::absorb(UndoStack& other)
+{
+    if (&other == this)
+        return;
+    for (auto& command : other.undoList) {
+        if (int32_t(undoList.size()) >= capacity)
+            undoList.erase(undoList.begin());
+        undoList.push_back(std::move(command));
+    }
+    for (auto& command : other.redoList)
+        redoList.push_back(std::move(command));
+    position += other.position;
+    other.undoList.clear();
+    other.redoList.clear();
+    other.position = 0;
+}

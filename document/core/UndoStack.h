@@ -23,6 +23,9 @@ public:
     void undo();
     void redo();
     void clear();
+    // Moves another stack's commands to the end of this one's lists (a modal tool's history joining
+    // the document's) and adds its count; the other stack ends empty.
+    void absorb(UndoStack& other);
 
     bool canUndo() const { return !undoList.empty(); }
     bool canRedo() const { return !redoList.empty(); }

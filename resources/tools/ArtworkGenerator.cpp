@@ -68,6 +68,8 @@ int main(int argc, char** argv)
         {"minib_icon_del", 16, 16, [](QPainter& p) { drawMiniIcon(p, "del"); }},
         {"minib_icon_previous_preset", 16, 16, [](QPainter& p) { drawMiniIcon(p, "previous_preset"); }},
         {"minib_icon_next_preset", 16, 16, [](QPainter& p) { drawMiniIcon(p, "next_preset"); }},
+        {"mini_icon_cancel", 16, 16, [](QPainter& p) { drawMiniIcon(p, "cancel"); }},
+        {"down_arrow", 10, 6, [](QPainter& p) { drawDownArrow(p, 10, 6); }},
         {"panels_single_inactive", 28, 22, [](QPainter& p) { drawViewModeButton(p, "single", false); }},
         {"panels_single_active", 28, 22, [](QPainter& p) { drawViewModeButton(p, "single", true); }},
         {"panels_vertical_inactive", 28, 22, [](QPainter& p) { drawViewModeButton(p, "vertical", false); }},

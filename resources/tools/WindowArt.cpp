@@ -97,6 +97,14 @@ void drawMiniIcon(QPainter& p, const char* kind)
         p.drawPath(bin);
         p.drawLine(QPointF(6.8, 7), QPointF(6.8, 12));
         p.drawLine(QPointF(9.2, 7), QPointF(9.2, 12));
+    } else if (is("cancel")) {
+        // A cross in a filled disc, for removing a waiting file from the render queue.
+        p.setPen(Qt::NoPen);
+        p.setBrush(QColor(0x5a, 0x5a, 0x5a));
+        p.drawEllipse(QRectF(1, 1, 14, 14));
+        p.setPen(QPen(c, 1.6, Qt::SolidLine, Qt::RoundCap));
+        p.drawLine(QPointF(5.5, 5.5), QPointF(10.5, 10.5));
+        p.drawLine(QPointF(10.5, 5.5), QPointF(5.5, 10.5));
     } else if (is("previous_preset") || is("next_preset")) {
         const qreal dir = is("next_preset") ? 1 : -1;
         p.setBrush(c);
@@ -150,4 +158,16 @@ void drawPlaceholderThumb(QPainter& p, int w, int h)
     p.drawRoundedRect(QRectF(0, 0, w, h), 6, 6);
     const qreal s = qMin(w, h) * 0.45;
     drawPhotoGlyph(p, QRectF((w - s) / 2, (h - s) / 2, s, s), textFaint());
+}
+
+void drawDownArrow(QPainter& p, int w, int h)
+{
+    p.setPen(Qt::NoPen);
+    p.setBrush(iconColor());
+    QPainterPath tri;
+    tri.moveTo(0.5, 0.5);
+    tri.lineTo(w - 0.5, 0.5);
+    tri.lineTo(w / 2.0, h - 0.5);
+    tri.closeSubpath();
+    p.drawPath(tri);
 }
