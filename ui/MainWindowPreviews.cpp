@@ -175,8 +175,9 @@ void MainWindow::imageModHovered(ImageMod* mod)
         return;
     MVMediaWidget* viewer = currentViewer();
     TrayWidget* tray = currentTray();
-    // Geometry, masks, look-up tables and overlays can't be shown from the small base.
-    if (!mod->isPlainAdjustment() || !viewer || !viewer->hasMedia || !tray) {
+    // Geometry, masks, look-up tables and overlays can't be shown from the small base; nor can
+    // anything while a tool shows the whole uncropped picture.
+    if (!mod->isPlainAdjustment() || !viewer || !viewer->hasMedia || !tray || activeTool) {
         endHoverPreview();
         return;
     }
@@ -257,7 +258,7 @@ void MainWindow::openQuicklook(bool append)
         quicklook->closeButtonPressed();
     MVMediaWidget* viewer = currentViewer();
     TrayWidget* tray = currentTray();
-    if (!viewer || !viewer->hasMedia || !tray || !toolPanel)
+    if (!viewer || !viewer->hasMedia || !tray || !toolPanel || activeTool)
         return;
     endHoverPreview();
     const QSize bound = previewBaseBound();

@@ -177,6 +177,19 @@ private slots:
         QCOMPARE(win.viewer().finishedPasses(), passes);
         QCOMPARE(win.viewer().displayCopy(), before);
 
+        // While a tool shows the whole picture, nothing is previewed and no chooser opens.
+        win.w.startTool(0);
+        QVERIFY(win.w.activeTool);
+        std::unique_ptr<ImageMod> grey = make("Greyscale Channel Mixer");
+        win.w.imageModHovered(grey.get());
+        QTest::qWait(100);
+        QVERIFY(!win.w.previewPanel || win.w.previewPanel->isHidden());
+        QVERIFY(win.w.triggerActionByText(QStringLiteral("Quicklook Presets")));
+        QTest::qWait(100);
+        QVERIFY(!win.w.quicklook);
+        win.w.toolRequestedExit(win.w.activeTool);
+        QTRY_VERIFY(!win.w.activeTool);
+
         // Moving from a shown preview onto such a row ends the preview.
         std::unique_ptr<ImageMod> bw = make("Greyscale Channel Mixer");
         win.w.imageModHovered(bw.get());
