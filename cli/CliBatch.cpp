@@ -163,8 +163,8 @@ bool renderFileTo(const CliRenderItem& item, const std::vector<ImageMod*>& mods,
     }
     const int32_t flags = item.bits == 16 ? kRenderSave16Bit : item.bits > 0 ? kRenderSave8Bit : kRenderSaveDepthFromFormat;
     const bool sized = settings.width > 0 && settings.height > 0;
-    if (!renderAndSave(source, info, item.output, sized ? settings.width : 0, sized ? settings.height : 0, mods, flags,
-                       settings.quality)) {
+    if (!renderAndSaveTaking(source, info, item.output, sized ? settings.width : 0, sized ? settings.height : 0, mods, flags,
+                             settings.quality)) {
         error = "can't render or write " + item.output;
         return false;
     }

@@ -131,9 +131,16 @@ void FlexImageT<Sample>::resize(int32_t w, int32_t h, int32_t ch)
         return;
     allocate(w, h, ch);
     if (data && channels == 4) {
-        const int64_t n = int64_t(width) * height;
-        for (int64_t i = 0; i < n; ++i)
-            data[i * 4 + 3] = opaque;
+        // Row-parallel: this is also the first touch of a fresh buffer, so its page faults spread
+        // over the workers instead of stalling one thread.
+        Sample* base = data;
+        const int32_t rowWidth = width;
+        parallelForRanges(height, [=](int32_t begin, int32_t end) {
+            Sample* p = base + int64_t(begin) * rowWidth * 4;
+            const int64_t n = int64_t(end - begin) * rowWidth;
+            for (int64_t i = 0; i < n; ++i)
+                p[i * 4 + 3] = opaque;
+        });
     }
 }
 

@@ -14,12 +14,12 @@ int32_t renderSaveFlagsForFormat(int32_t saveFormatIndex)
     return formats[size_t(saveFormatIndex)].depthCode == 7 ? kRenderSave16Bit : kRenderSave8Bit;
 }
 
-bool renderAndSave(const FlexImageFloat& source, const LoadedMediaInfo& metadata, const std::string& path,
-                   int32_t width, int32_t height, const std::vector<ImageMod*>& modList, int32_t flags,
-                   float quality)
+namespace {
+
+bool renderAndSaveWith(const std::function<bool(FlexImageFloat&, int32_t, int32_t)>& render,
+                       const LoadedMediaInfo& metadata, const std::string& path, int32_t width, int32_t height,
+                       const std::vector<ImageMod*>& modList, int32_t flags, float quality)
 {
-    if (source.isEmpty() || path.empty())
-        return false;
     LoadedMediaInfo info = metadata;
     if (flags == kRenderSave16Bit) {
         info.bitsPerComponent = 16;
@@ -30,14 +30,36 @@ bool renderAndSave(const FlexImageFloat& source, const LoadedMediaInfo& metadata
         info.bitsPerComponent = format && format->depthCode == 7 ? 16 : 8;
     }
     MediaSaveRenderer renderer;
-    renderer.renderFullSize = [&](FlexImageFloat& out, int32_t w, int32_t h) {
-        return renderFullSize(source, modList, out, w, h);
-    };
+    renderer.renderFullSize = render;
     renderer.outputProfile = [&](std::vector<uint8_t>& icc, ColorSpaceKind& kind) {
         return colorProfileForSave(modList, icc, kind);
     };
     const bool sized = width > 0 && height > 0;
     return SaveMediaFile(renderer, info, path, sized ? width : 0, sized ? height : 0, quality);
+}
+
+} // namespace
+
+bool renderAndSave(const FlexImageFloat& source, const LoadedMediaInfo& metadata, const std::string& path,
+                   int32_t width, int32_t height, const std::vector<ImageMod*>& modList, int32_t flags,
+                   float quality)
+{
+    if (source.isEmpty() || path.empty())
+        return false;
+    return renderAndSaveWith(
+        [&](FlexImageFloat& out, int32_t w, int32_t h) { return renderFullSize(source, modList, out, w, h); },
+        metadata, path, width, height, modList, flags, quality);
+}
+
+bool renderAndSaveTaking(FlexImageFloat& source, const LoadedMediaInfo& metadata, const std::string& path,
+                         int32_t width, int32_t height, const std::vector<ImageMod*>& modList, int32_t flags,
+                         float quality)
+{
+    if (source.isEmpty() || path.empty())
+        return false;
+    return renderAndSaveWith(
+        [&](FlexImageFloat& out, int32_t w, int32_t h) { return renderFullSizeTaking(source, modList, out, w, h); },
+        metadata, path, width, height, modList, flags, quality);
 }
 
 bool renderQueueStillItem(const RenderQueueItem& item, const std::function<bool()>& cancelled)
@@ -49,6 +71,6 @@ bool renderQueueStillItem(const RenderQueueItem& item, const std::function<bool(
         return false;
     if (cancelled && cancelled())
         return false;
-    return renderAndSave(source, info, item.destPath, item.width, item.height, item.modList(),
-                         renderSaveFlagsForFormat(item.extensionIndex), float(item.quality));
+    return renderAndSaveTaking(source, info, item.destPath, item.width, item.height, item.modList(),
+                               renderSaveFlagsForFormat(item.extensionIndex), float(item.quality));
 }

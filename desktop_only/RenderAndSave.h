@@ -29,6 +29,13 @@ bool renderAndSave(const FlexImageFloat& source, const LoadedMediaInfo& metadata
                    int32_t width, int32_t height, const std::vector<ImageMod*>& modList, int32_t flags,
                    float quality);
 
+// renderAndSave for a caller done with source: when the tiles leave the size and framing as they
+// are, the render runs on source's own buffer (one full-size image less), leaving source empty.
+// The file is the same as renderAndSave writes.
+bool renderAndSaveTaking(FlexImageFloat& source, const LoadedMediaInfo& metadata, const std::string& path,
+                         int32_t width, int32_t height, const std::vector<ImageMod*>& modList, int32_t flags,
+                         float quality);
+
 // The render queue's work for a still photo: loads the item's source, then renderAndSave with the
 // item's size, quality, save row and tiles. Looks at cancelled() after the load. False when the
 // load, the render or the write failed, or it was cancelled.

@@ -9,15 +9,24 @@
 
 namespace {
 
-// Clamp and truncate; NaN lands on 0.
-static inline uint32_t toByte(float v)
-{
-    return v > 0.0f ? (v < 255.0f ? uint32_t(v) : 255u) : 0u;
-}
-
 static inline uint32_t packPixel(uint32_t r, uint32_t g, uint32_t b, uint32_t a)
 {
     return (a << 24) | (r << 16) | (g << 8) | b;
+}
+
+// Clamp and truncate; NaN lands on 0. Clamped in float first so the conversion is a plain signed
+// one, which the compiler turns into one instruction for several samples.
+static inline uint32_t toByte(float v)
+{
+    const float low = v > 0.0f ? v : 0.0f;
+    return uint32_t(int32_t(low < 255.0f ? low : 255.0f));
+}
+
+// The common case, three float samples to one opaque pixel, with the stride known to the compiler.
+static inline void packRgbRow(const float* src, uint32_t* dst, int32_t span)
+{
+    for (int32_t x = 0; x < span; ++x, src += 3)
+        dst[x] = packPixel(toByte(src[0]), toByte(src[1]), toByte(src[2]), 255u);
 }
 
 } // namespace
@@ -54,6 +63,10 @@ bool copyContentsIntoQtImage(const FlexImageFloat& source, QImage& target, int32
         const float* src = source.row(y) + int64_t(x0) * ch;
         uchar* rowBytes = base + stride * (y + offsetY);
         uint32_t* dst = reinterpret_cast<uint32_t*>(rowBytes) + (x0 + offsetX);
+        if (!convert && ch == 3) {
+            packRgbRow(src, dst, span);
+            return;
+        }
         if (!convert) {
             for (int32_t x = 0; x < span; ++x, src += ch)
                 dst[x] = packPixel(toByte(src[0]), toByte(src[1]), toByte(src[2]), hasAlpha ? toByte(src[3]) : 255u);

@@ -196,6 +196,8 @@ void MVMediaWidget::clearMedia()
         scaledImage.reset();
     }
     runner->flushCache();
+    if (histogramFeed)
+        histogramFeed(FlexImageFloat()); // an empty picture: the scopes show no data
     update();
 }
 
@@ -324,19 +326,25 @@ bool MVMediaWidget::processOnce()
     // 4. The visible region and its frame.
     ReferenceFrame frame;
     bool haveRegion = false;
+    bool wholeImage = false;
     {
         std::lock_guard<std::mutex> lock(stateMutex);
         if (!scaledImage.isEmpty()) {
             int32_t left, top, right, bottom;
             visibleRegion(scaledImage.width, scaledImage.height, left, top, right, bottom);
             const int32_t rw = right - left + 1, rh = bottom - top + 1;
+            // A fitted view shows all of scaledImage: the runner then fills outputImage itself,
+            // straight from its cache when it has one, so the plain copy would be thrown away.
+            wholeImage = left == 0 && top == 0 && rw == scaledImage.width && rh == scaledImage.height && !suspend;
             outputImage.resize(rw, rh, scaledImage.channels);
-            if (!outputImage.isEmpty()) {
+            if (!outputImage.isEmpty() && !wholeImage) {
                 const int32_t ch = scaledImage.channels;
                 parallelFor(rh, [&](int32_t y) {
                     std::memcpy(outputImage.row(y), scaledImage.row(top + y) + int64_t(left) * ch,
                                 sizeof(float) * size_t(rw) * size_t(ch));
                 });
+            }
+            if (!outputImage.isEmpty()) {
                 outputImage.scale = scaledImage.scale;
                 frame.originX = left;
                 frame.originY = top;
@@ -363,9 +371,12 @@ bool MVMediaWidget::processOnce()
         }
         // 6. The tiles.
         if (!suspend)
-            runner->run(cloneList, &outputImage, nullptr, -1, 0, &frame);
-        // 7. The proxy goes; the histogram would take outputImage here.
+            runner->run(cloneList, wholeImage ? &scaledImage : &outputImage, wholeImage ? &outputImage : nullptr, -1,
+                        0, &frame);
+        // 7. The proxy goes; the scopes take the processed pixels on this thread.
         frame.proxy = nullptr;
+        if (histogramFeed)
+            histogramFeed(outputImage);
     }
 
     // 8.

@@ -9,6 +9,7 @@
 #include <QtWidgets/QWidget>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <semaphore>
@@ -97,6 +98,9 @@ public:
     float resolutionDivisor = 1.4f;
     bool suspendRunner = false;
     std::shared_ptr<ColorTransformSet> displayTransform;
+    // Called on the worker with the processed region after each pass (the scopes), and with an
+    // empty image by clearMedia; set it before the first pass and leave it.
+    std::function<void(const FlexImageFloat&)> histogramFeed;
 
     // view fields
     float viewRotation = 0.0f;

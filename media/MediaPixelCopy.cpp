@@ -5,6 +5,7 @@
 #include "media/MediaOrientation.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstring>
 
@@ -356,15 +357,27 @@ bool fillQuantised(const FlexImageT<S>& image, bool sixteenBit, int32_t layout, 
     return true;
 }
 
+static inline bool rowHasAlphaBelowOpaque(const float* row, int32_t w)
+{
+    bool below = false;
+    for (int32_t x = 0; x < w; ++x)
+        below |= row[int64_t(x) * 4 + 3] < 255.0f;
+    return below;
+}
+
 bool anyAlphaBelowOpaque(const FlexImageFloat& image)
 {
     if (image.channels != 4)
         return false;
-    const int64_t n = int64_t(image.width) * image.height;
-    for (int64_t i = 0; i < n; ++i)
-        if (image.data[i * 4 + 3] < 255.0f)
-            return true;
-    return false;
+    // Row-parallel: a full-size scan is a whole pass over the image's memory.
+    std::atomic<bool> found { false };
+    const FlexImageFloat* p = &image;
+    parallelForRanges(image.height, [p, &found](int32_t begin, int32_t end) {
+        for (int32_t y = begin; y < end && !found.load(std::memory_order_relaxed); ++y)
+            if (rowHasAlphaBelowOpaque(p->row(y), p->width))
+                found.store(true, std::memory_order_relaxed);
+    });
+    return found.load();
 }
 
 } // namespace

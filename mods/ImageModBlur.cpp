@@ -93,6 +93,17 @@ static void forEachChunk(int32_t count, int32_t perChunkMin, const std::function
     });
 }
 
+// From this reach on the Gaussian runs as three boxes: below it the taps are few, and the box
+// widths, whole pixels plus fractional ends, would follow the sampled cone less closely.
+constexpr int32_t kThreeBoxReach = 12;
+
+// One flat window of a running-sum pass: weight `flat` over |d| < reach, `end` at |d| == reach.
+struct BoxPass {
+    int32_t reach = 0;
+    float flat = 0.0f;
+    float end = 0.0f;
+};
+
 // The two kernels of the separable blur, held once per apply.
 struct LineKernel {
     std::vector<float> taps;
@@ -102,41 +113,96 @@ struct LineKernel {
     bool flatRun = false;
     float flat = 0.0f;
     float end = 0.0f;
+    // Wide "Gaussian": its cone is the convolution of three boxes (widths r/2, r and r/2), so three
+    // running windows give it at O(1) per sample. Lines are then padded by the three reaches.
+    bool threeBoxes = false;
+    BoxPass boxes[3];
+    // Edge-repeat padding on each side of a line.
+    int32_t padReach() const { return threeBoxes ? boxes[0].reach + boxes[1].reach + boxes[2].reach : reach; }
 };
 
-// Convolves `count` samples of stride-`step` lines laid side by side: src holds (2 R + 1 + count
-// - 1) positions of `width` floats each (edge-repeated already), dst receives `count` positions.
-// Horizontal pass: width = channels, positions = pixels. Vertical pass: width = a block of columns,
-// positions = rows. Symmetric taps are paired, so each pair costs one multiply.
-static void convolveLines(const LineKernel& k, const float* src, int32_t width, int32_t count, float* dst)
+// Scratch lines between the three box passes of one job, sized once.
+struct LineScratch {
+    std::vector<float> first;
+    std::vector<float> second;
+    void size(const LineKernel& k, int32_t width, int32_t count)
+    {
+        if (!k.threeBoxes)
+            return;
+        first.resize(size_t(count + 2 * (k.boxes[1].reach + k.boxes[2].reach)) * size_t(width));
+        second.resize(size_t(count + 2 * k.boxes[2].reach) * size_t(width));
+    }
+};
+
+// A box of continuous width `width` sampled over whole pixels: weight 1 inside, the overlap at the
+// two ends, normalised. The cell sampling adds a twelfth of a pixel squared of variance to each box,
+// taken back from its width so the three together keep the cone's spread.
+static BoxPass boxForWidth(float width)
 {
-    const int32_t reach = k.reach;
-    if (k.flatRun) {
-        // Running window over |d| < reach, per lane, in double so long lines do not drift.
-        constexpr int32_t kLanes = 256;
-        double sum[kLanes];
-        for (int32_t l0 = 0; l0 < width; l0 += kLanes) {
-            const int32_t lanes = std::min(kLanes, width - l0);
-            const float* s = src + l0;
-            float* d = dst + l0;
+    const float w = width > 1.0f ? std::sqrt(width * width - 1.0f) : 1.0f;
+    const float half = std::max(0.5f, 0.5f * w);
+    BoxPass b;
+    b.reach = std::max(1, int32_t(std::floor(half + 0.5f)));
+    const float endWeight = std::clamp(half + 0.5f - float(b.reach), 0.0f, 1.0f);
+    const float total = float(2 * b.reach - 1) + 2.0f * endWeight;
+    b.flat = 1.0f / total;
+    b.end = endWeight / total;
+    return b;
+}
+
+// Running window over |d| < reach plus the two end taps, per lane, in double so long lines do not
+// drift. src holds count + 2 reach positions.
+static void runningBox(const BoxPass& b, const float* src, int32_t width, int32_t count, float* dst)
+{
+    const int32_t reach = b.reach;
+    constexpr int32_t kLanes = 256;
+    double sum[kLanes];
+    for (int32_t l0 = 0; l0 < width; l0 += kLanes) {
+        const int32_t lanes = std::min(kLanes, width - l0);
+        const float* s = src + l0;
+        float* d = dst + l0;
+        for (int32_t l = 0; l < lanes; ++l)
+            sum[l] = 0.0;
+        for (int32_t i = 1; i < 2 * reach; ++i)
             for (int32_t l = 0; l < lanes; ++l)
-                sum[l] = 0.0;
-            for (int32_t i = 1; i < 2 * reach; ++i)
-                for (int32_t l = 0; l < lanes; ++l)
-                    sum[l] += double(s[size_t(i) * size_t(width) + size_t(l)]);
-            const double flat = k.flat;
-            const float end = k.end;
-            for (int32_t p = 0; p < count; ++p) {
-                const float* first = s + size_t(p) * size_t(width);
-                const float* last = first + size_t(2 * reach) * size_t(width);
-                const float* leaving = first + size_t(width);
-                float* out = d + size_t(p) * size_t(width);
-                for (int32_t l = 0; l < lanes; ++l) {
-                    out[l] = float(sum[l] * flat + double(end * (first[l] + last[l])));
-                    sum[l] += double(last[l]) - double(leaving[l]);
-                }
+                sum[l] += double(s[size_t(i) * size_t(width) + size_t(l)]);
+        const double flat = b.flat;
+        const float end = b.end;
+        for (int32_t p = 0; p < count; ++p) {
+            const float* first = s + size_t(p) * size_t(width);
+            const float* last = first + size_t(2 * reach) * size_t(width);
+            const float* leaving = first + size_t(width);
+            float* out = d + size_t(p) * size_t(width);
+            for (int32_t l = 0; l < lanes; ++l) {
+                out[l] = float(sum[l] * flat + double(end * (first[l] + last[l])));
+                sum[l] += double(last[l]) - double(leaving[l]);
             }
         }
+    }
+}
+
+// Convolves `count` samples of stride-`step` lines laid side by side: src holds 2 R + count
+// positions of `width` floats each (R the kernel's padReach, edge-repeated already), dst receives
+// `count` positions. Horizontal pass: width = channels, positions = pixels. Vertical pass: width =
+// a block of columns, positions = rows. Symmetric taps are paired, so each pair costs one multiply.
+static void convolveLines(const LineKernel& k, const float* src, int32_t width, int32_t count, float* dst,
+    LineScratch& scratch)
+{
+    const int32_t reach = k.reach;
+    if (k.threeBoxes) {
+        // Each pass eats its own reach of the padding: count + 2 (r2 + r3), count + 2 r3, count.
+        const int32_t r2 = k.boxes[1].reach, r3 = k.boxes[2].reach;
+        runningBox(k.boxes[0], src, width, count + 2 * (r2 + r3), scratch.first.data());
+        runningBox(k.boxes[1], scratch.first.data(), width, count + 2 * r3, scratch.second.data());
+        runningBox(k.boxes[2], scratch.second.data(), width, count, dst);
+        return;
+    }
+    if (k.flatRun) {
+        BoxPass b;
+        b.reach = reach;
+        b.flat = k.flat;
+        b.end = k.end;
+        runningBox(b, src, width, count, dst);
         return;
     }
     const float* tap = k.taps.data();
@@ -165,7 +231,7 @@ static void convolveLines(const LineKernel& k, const float* src, int32_t width, 
 // columns through a padded scratch block, the result stored clamped.
 template <typename Sample> void separableInPlace(FlexImageT<Sample>* image, const LineKernel& k)
 {
-    const int32_t reach = k.reach;
+    const int32_t reach = k.padReach();
     const int32_t w = image->width;
     const int32_t h = image->height;
     const int32_t ch = image->channels;
@@ -174,10 +240,12 @@ template <typename Sample> void separableInPlace(FlexImageT<Sample>* image, cons
     forEachChunk(h, 8, [&](int32_t begin, int32_t end) {
         std::vector<float> pad(size_t(w + 2 * reach) * size_t(ch));
         std::vector<float> out(static_cast<size_t>(n));
+        LineScratch scratch;
+        scratch.size(k, ch, w);
         for (int32_t y = begin; y < end; ++y) {
             Sample* row = image->row(y);
             padRow(row, w, ch, reach, pad.data());
-            convolveLines(k, pad.data(), ch, w, out.data());
+            convolveLines(k, pad.data(), ch, w, out.data(), scratch);
             for (int32_t i = 0; i < n; ++i)
                 row[i] = storeRaw<Sample>(out[size_t(i)]);
         }
@@ -190,6 +258,8 @@ template <typename Sample> void separableInPlace(FlexImageT<Sample>* image, cons
     forEachChunk(blocks, 1, [&](int32_t begin, int32_t end) {
         std::vector<float> column(size_t(padH) * size_t(kBlock));
         std::vector<float> out(size_t(h) * size_t(kBlock));
+        LineScratch scratch;
+        scratch.size(k, kBlock, h);
         for (int32_t b = begin; b < end; ++b) {
             const int32_t k0 = b * kBlock;
             const int32_t width = std::min(kBlock, n - k0);
@@ -200,7 +270,7 @@ template <typename Sample> void separableInPlace(FlexImageT<Sample>* image, cons
                 for (int32_t j = 0; j < width; ++j)
                     dst[j] = float(src[j]);
             }
-            convolveLines(k, col, width, h, out.data());
+            convolveLines(k, col, width, h, out.data(), scratch);
             for (int32_t y = 0; y < h; ++y) {
                 Sample* dst = image->row(y) + k0;
                 const float* src = out.data() + size_t(y) * size_t(width);
@@ -256,6 +326,12 @@ void separableBlur(
         for (int32_t i = 1; i < 2 * k.reach; ++i)
             k.flatRun = k.flatRun && k.taps[size_t(i)] == k.flat;
     }
+    if (method == ImageModBlur::Gaussian && k.reach >= kThreeBoxReach) {
+        k.threeBoxes = true;
+        k.boxes[0] = boxForWidth(0.5f * r);
+        k.boxes[1] = boxForWidth(r);
+        k.boxes[2] = k.boxes[0];
+    }
     const bool merge = mix < 1.0f || (context && context->selector);
     if (!merge) {
         separableInPlace(image, k);
@@ -289,9 +365,31 @@ void circleBlur(FlexImageT<Sample>* image, float r, float mix, const ImageModApp
     const int32_t maxDy = disc.rows.back().dy;
     const int32_t ring = 2 * maxDy + 1;
 
-    FlexImageT<Sample> original;
-    original.copyFrom(*image, true);
-    forEachChunk(h, 32, [&](int32_t begin, int32_t end) {
+    // The image is written in place, row by row. A job reads its own rows into the ring before it
+    // writes them; the maxDy rows above and below it belong to its neighbours, so they are copied
+    // out before any job starts (a copy of the whole image was 288 MB at 24 megapixels).
+    const int32_t threads = int32_t(std::max(1u, std::thread::hardware_concurrency()));
+    const int32_t jobs = std::clamp(h / 32, 1, 4 * threads);
+    auto jobBegin = [&](int32_t j) { return int32_t(int64_t(h) * j / jobs); };
+    const size_t rowLen = size_t(n);
+    std::vector<float> halos(size_t(jobs) * size_t(2 * maxDy) * rowLen);
+    parallelFor(jobs, [&](int32_t j) {
+        const int32_t begin = jobBegin(j), end = jobBegin(j + 1);
+        float* halo = halos.data() + size_t(j) * size_t(2 * maxDy) * rowLen;
+        for (int32_t i = 0; i < maxDy; ++i) {
+            const Sample* above = image->row(std::max(begin - maxDy + i, 0));
+            const Sample* below = image->row(std::min(end + i, h - 1));
+            for (size_t k = 0; k < rowLen; ++k) {
+                halo[size_t(i) * rowLen + k] = float(above[k]);
+                halo[size_t(maxDy + i) * rowLen + k] = float(below[k]);
+            }
+        }
+    });
+    parallelFor(jobs, [&](int32_t j) {
+        const int32_t begin = jobBegin(j), end = jobBegin(j + 1);
+        if (begin >= end)
+            return;
+        const float* halo = halos.data() + size_t(j) * size_t(2 * maxDy) * rowLen;
         std::vector<float> pads(size_t(ring) * padLen);
         // Double prefix: long rows would otherwise lose the low bits of each span.
         std::vector<double> prefixes(size_t(ring) * prefixLen);
@@ -300,7 +398,13 @@ void circleBlur(FlexImageT<Sample>* image, float r, float mix, const ImageModApp
         auto load = [&](int32_t v) {
             const size_t slot = slotOf(v);
             float* s = pads.data() + slot * padLen;
-            padRow(original.row(std::clamp(v, 0, h - 1)), w, ch, reach, s);
+            const int32_t clamped = std::clamp(v, 0, h - 1);
+            if (clamped < begin)
+                padRow(halo + size_t(v - begin + maxDy) * rowLen, w, ch, reach, s);
+            else if (clamped >= end)
+                padRow(halo + size_t(maxDy + v - end) * rowLen, w, ch, reach, s);
+            else
+                padRow(image->row(clamped), w, ch, reach, s);
             double* q = prefixes.data() + slot * prefixLen;
             for (int32_t c = 0; c < ch; ++c)
                 q[c] = 0.0;

@@ -1,11 +1,19 @@
 #include "mods/ImageModLuminanceContrast.h"
 
+#include "mods/PowerPairTable.h"
 #include "mods/TonalPixelLoop.h"
 #include "mods/TonalSteps.h"
 
 #include <cmath>
 
 namespace {
+
+static inline void luminanceContrastPixelTable(float* p, int32_t channels, int32_t colorChannels,
+                                               const PowerPairTable& table)
+{
+    const float y = pixelLuminance(p, channels);
+    setLuminance(p, colorChannels, y, table(y));
+}
 
 template <typename Sample>
 void luminanceContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, float center)
@@ -15,6 +23,17 @@ void luminanceContrastPass(FlexImageT<Sample>* image, const ImageModApplyContext
     const int32_t channels = image->channels;
     const int32_t colour = image->colorChannels;
     const float e = powerPairExponent(amount);
+    if constexpr (sizeof(Sample) == 4) {
+        // Unmasked float pixels read the pair from a table built once for the pass.
+        if (!context || !context->selector) {
+            PowerPairTable table;
+            table.build(center, e);
+            forEachPixel(
+                image, nullptr, [&](float* p) { luminanceContrastPixelTable(p, channels, colour, table); },
+                [](float*, float) {});
+            return;
+        }
+    }
     forEachPixel(
         image, context, [=](Sample* p) { luminanceContrastPixel(p, channels, colour, center, e); },
         [=](Sample* p, float m) {

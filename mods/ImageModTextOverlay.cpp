@@ -82,8 +82,9 @@ std::string ImageModTextOverlay::defaultFontFamily()
 ImageModTextOverlay::ImageModTextOverlay() : ImageMod("Text Overlay", "Text Overlay")
 {
     toolTip = "Draw text over your image.";
-    addButton("Text", 0, "Edit Text...");
-    addButton("Font", 0, "Choose Font...");
+    // The panel edits the words in a text field and the family through a chooser (by these tags).
+    addButton("Text", 0, "Edit Text...")->tag = "text";
+    addButton("Font", 0, "Choose Font...")->tag = "font";
     addFloat("Size", 0.08f, 0.005f, 1.0f, 0.01f, 0.4f);
     addColor("Color", 255.0f, 255.0f, 255.0f, 255.0f);
     addPixel("Position");

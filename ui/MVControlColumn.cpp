@@ -22,11 +22,13 @@
 
 #include <QtCore/QRegularExpression>
 #include <QtGui/QClipboard>
+#include <QtGui/QFontDatabase>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QInputDialog>
 
 #include <algorithm>
 #include <cmath>
@@ -41,6 +43,7 @@ constexpr int kScrollerWidth = 8;
 constexpr int kBrowseWidth = 28;
 // Text button variables (see the class comment) are told apart from real buttons by this kind.
 constexpr int32_t kTextKind = 100;
+constexpr int32_t kFontKind = 101;
 
 int controlWidth()
 {
@@ -188,6 +191,9 @@ void MVControlColumn::addEntry(int32_t index, ImageModVariable& variable)
         break;
     }
     case kVariableButton: {
+        // A field or a chooser is headed by what it holds, not by the button's "Edit Text..." caption.
+        if (variable.tag == textButtonTag || variable.tag == fontButtonTag)
+            e.label = QString::fromStdString(variable.name);
         if (variable.tag == textButtonTag) {
             auto* t = new MVStringInputBox(content);
             t->resize(w, 22);
@@ -196,6 +202,18 @@ void MVControlColumn::addEntry(int32_t index, ImageModVariable& variable)
             connect(t, &MVStringInputBox::editingStarted, this, [this, t] { editStarted(t); });
             connect(t, &MVStringInputBox::sliderChanged, this, &MVControlColumn::controlChanged);
             e.control = t;
+        } else if (variable.tag == fontButtonTag) {
+            // Names the family in use; pressing it opens the chooser.
+            auto* b = new MVPushButton(QString(), content);
+            b->resize(w, 22);
+            b->setToolTip(QStringLiteral("Choose the font family."));
+            e.kind = kFontKind;
+            e.reportsStart = true; // the pick raises aboutToAdjust itself
+            connect(b, &QPushButton::clicked, this, [this, b] {
+                if (Entry* owner = entryFor(b))
+                    chooseFont(*owner);
+            });
+            e.control = b;
         } else {
             auto* b = new MVPushButton(e.label, content);
             b->resize(w, 22);
@@ -252,6 +270,8 @@ void MVControlColumn::addEntry(int32_t index, ImageModVariable& variable)
         else
             m->setFields({QStringLiteral("Left"), QStringLiteral("Top"), QStringLiteral("Right"), QStringLiteral("Bottom")});
         m->setDecimals(e.kind == kVariablePixel ? 0 : 3);
+        if (e.kind == kVariablePixel)
+            m->setUnsetValue(-1.0f, QStringLiteral("Auto")); // -1 leaves the point at the tile's own place
         m->resize(w, 35);
         e.height = 35;
         connect(m, &qtMultiDataWidget::dataEdited, this, [this, m] { controlChanged(m); });
@@ -312,6 +332,11 @@ void MVControlColumn::loadControl(Entry& e)
     case kTextKind:
         if (const ImageModVariableDataButton* b = v->asButton())
             static_cast<MVStringInputBox*>(e.control)->setText(QString::fromStdString(b->storedText));
+        break;
+    case kFontKind:
+        if (const ImageModVariableDataButton* b = v->asButton())
+            static_cast<QPushButton*>(e.control)->setText(
+                b->storedText.empty() ? QStringLiteral("Choose Font...") : QString::fromStdString(b->storedText));
         break;
     case kVariableChoice:
         if (const ImageModVariableDataChoice* c = v->asChoice()) {
@@ -464,6 +489,40 @@ void MVControlColumn::browseFile(Entry& e)
     currentMod->variableChanged(e.variable);
     refreshValues();
     emit adjusted(box);
+}
+
+void MVControlColumn::chooseFont(Entry& e)
+{
+    ImageModVariable* v = currentMod ? currentMod->variableAt(e.variable) : nullptr;
+    ImageModVariableDataButton* b = v ? v->asButton() : nullptr;
+    if (!b)
+        return;
+    const QString current = QString::fromStdString(b->storedText);
+    QString chosen;
+    if (chooseFontHook) {
+        if (!chooseFontHook(current, chosen))
+            return;
+    } else {
+        const QStringList families = QFontDatabase().families();
+        bool ok = false;
+        const int at = std::max(0, int(families.indexOf(current)));
+        chosen = QInputDialog::getItem(window(), QStringLiteral("Choose Font"), QStringLiteral("Font family:"),
+                                       families, at, false, &ok);
+        if (!ok)
+            return;
+    }
+    chosen = chosen.trimmed();
+    if (chosen.isEmpty())
+        return;
+    // The same family again still counts as a choice for new tiles, but changes nothing here.
+    if (chosen != current) {
+        emit aboutToAdjust(e.control);
+        b->storedText = chosen.toStdString();
+        currentMod->variableChanged(e.variable);
+        refreshValues();
+        emit adjusted(e.control);
+    }
+    emit fontChosen(chosen);
 }
 
 bool MVControlColumn::resetToDefault(QWidget* control)

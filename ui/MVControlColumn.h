@@ -3,6 +3,7 @@
 #include <QtWidgets/QWidget>
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 class ImageMod;
@@ -18,7 +19,9 @@ class QPushButton;
 //   curve        ToneCurveWidget editing the variable's curve in place (hue ring for closed curves)
 //   colour       MVColorControl: ready swatches over the full chooser
 //   button       MVPushButton pressing the mod's button; a button tagged "text" is a text field
-//                for its stored text instead (the text overlay keeps its words there)
+//                for its stored text instead (the text overlay keeps its words there), and one
+//                tagged "font" is a button naming the family in its stored text that opens a
+//                family chooser; a pick raises fontChosen as well
 //   choice       MVListChooser
 //   multichoice  MVMultiChoiceWidget
 //   file         MVStringInputBox with the path, and a "..." button opening a file dialog
@@ -38,6 +41,7 @@ public:
     static constexpr int bottomClearance = 2;
     static constexpr int sideInset = 12;
     static constexpr const char* textButtonTag = "text";
+    static constexpr const char* fontButtonTag = "font";
 
     explicit MVControlColumn(QWidget* parent = nullptr);
     ~MVControlColumn() override;
@@ -73,11 +77,16 @@ public:
     static QRect placement(int wantedHeight, const QRect& area, bool trayShown, int trayTop);
     void placeIn(const QRect& area, bool trayShown, int trayTop);
 
+    // Asks for a font family, starting at current; false when cancelled. Tests answer here; unset,
+    // a list of the installed families opens.
+    std::function<bool(const QString& current, QString& chosen)> chooseFontHook;
+
 signals:
     void aboutToAdjust(QWidget* control);
     void adjusted(QWidget* control);
     void rightClicked(QWidget* control);
     void heightChanged();
+    void fontChosen(const QString& family);
     // A list control's open list points at another row (MVListChooser::hoveredIndex()).
     void hovered(QWidget* control);
 
@@ -113,6 +122,7 @@ private:
     void writeBack(const Entry& e);
     void loadControl(Entry& e);
     void browseFile(Entry& e);
+    void chooseFont(Entry& e);
     void scrollTo(float position);
 
     ImageMod* currentMod = nullptr;

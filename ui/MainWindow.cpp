@@ -115,6 +115,7 @@ MainWindow::MainWindow(const QString& styleSheetText, QWidget* parent) : QMainWi
 
     buildButtons();
     buildMenus();
+    buildScopeWindows();
     addDocument();
     restoreWindowGeometry();
     layoutWindow();
@@ -349,6 +350,7 @@ void MainWindow::addDocument()
     connect(doc.viewer, &MVMediaWidget::imageRepositionedSignal, this, &MainWindow::onImageRepositioned);
     connect(doc.viewer, &MVMediaWidget::displayUpdatedSignal, this, &MainWindow::displayFinishedUpdating);
     attachTray(doc);
+    attachScopes(doc.viewer);
     doc.divider = new qtWidgetDivider(central);
     connect(doc.divider, &qtWidgetDivider::dividerMoved, this, &MainWindow::tabDividerAdjusted);
     documents.push_back(std::move(doc));
@@ -754,7 +756,7 @@ void MainWindow::menuTriggered(QAction* act)
     } else if (t == "Show/Hide Tool Panel") {
         setInterfaceState(!panelVisible, trayVisible);
     } else if (t == "Show/Hide Pixel Inspector") {
-        // Sub windows of their own.
+        togglePixelInspector();
     } else if (t == "Luminance Histogram") {
         toggleHistogramView(0);
     } else if (t == "RGB Histogram") {
@@ -981,9 +983,11 @@ void MainWindow::revealInFileBrowser(const QString& path)
 
 bool MainWindow::event(QEvent* e)
 {
-    // Hover look-ups of the pixel inspector and the autohide of the controls join with them.
-    if (e->type() == QEvent::HoverMove && QApplication::mouseButtons() == Qt::NoButton)
+    // Hover look-ups of the pixel inspector and the autohide of the controls.
+    if (e->type() == QEvent::HoverMove && QApplication::mouseButtons() == Qt::NoButton) {
         controlsHoverMoved(central->mapFrom(this, static_cast<QHoverEvent*>(e)->pos()));
+        hoverMovedForScopes(static_cast<QHoverEvent*>(e));
+    }
     return QMainWindow::event(e);
 }
 
@@ -1111,12 +1115,7 @@ void MainWindow::onEmptyClick()
     const int i = documentIndexForViewer(sender());
     if (i >= 0 && i != currentDocument)
         selectDocument(i);
-}
-
-void MainWindow::toggleHistogramView(int)
-{
-    if (MVMediaWidget* v = currentViewer())
-        v->requestProcessing();
+    pickPixelForInspector();
 }
 
 
@@ -1130,4 +1129,3 @@ void MainWindow::onImageRepositioned() {}
 void MainWindow::videoShuttleUpdateRequest(VideoLoaderSaverTime) {}
 void MainWindow::previewButtonPressed() {}
 void MainWindow::previewVideoButtonPressed() {}
-void MainWindow::displayFinishedUpdating() {}

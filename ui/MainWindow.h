@@ -8,6 +8,7 @@
 #include <QtCore/QStringList>
 #include <QtWidgets/QMainWindow>
 
+#include <atomic>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -24,6 +25,9 @@ class MVToolWidget;
 class MVControlColumn;
 class QTimer;
 class QGraphicsOpacityEffect;
+class MVHistogramWindow;
+class MVPixelInfoWidget;
+class QHoverEvent;
 class MVPanelItemListButton;
 class MVPanelItemBigButton;
 class QAction;
@@ -355,4 +359,24 @@ private:
     QAction* viewModeActions[3] = {nullptr, nullptr, nullptr};
     QAction* autohideAction = nullptr;
     QAction* hoverPreviewsAction = nullptr;
+
+    // --- scopes and pixel inspector (ui/MainWindowScopes.cpp) ---
+public:
+    MVHistogramWindow* histogramWindow = nullptr;
+    MVPixelInfoWidget* pixelInfo = nullptr;
+    void togglePixelInspector();
+
+private:
+    void buildScopeWindows();
+    // Gives a new viewer its feed into the scopes.
+    void attachScopes(MVMediaWidget* viewer);
+    void hoverMovedForScopes(QHoverEvent* e);
+    // Shows the pixel of the pane under a point of this window; false outside any picture.
+    bool inspectPixelAt(const QPoint& windowPos);
+    void pickPixelForInspector();
+    void placeSubWindow(QWidget* window, bool top);
+    // The viewer whose passes reach the histogram, and whether it wants them; read by workers.
+    std::atomic<MVMediaWidget*> histogramSource{nullptr};
+    std::atomic<bool> histogramWanted{false};
+    QPoint lastHoverPos{-1, -1};
 };

@@ -4,6 +4,9 @@
 
 #include "core/ImageMod.h"
 #include "document/MVMediaWidget.h"
+#include "filters/MultiData.h"
+#include "filters/PreferenceKeys.h"
+#include "mods/ImageModTextOverlay.h"
 #include "ui/MVControlColumn.h"
 #include "ui/TrayWidget.h"
 
@@ -34,6 +37,11 @@ void MainWindow::showControlsFor(ImageMod* mod)
         connect(controlColumn, &MVControlColumn::adjusted, this, &MainWindow::controlAdjusted);
         connect(controlColumn, &MVControlColumn::rightClicked, this, &MainWindow::controlRightClicked);
         connect(controlColumn, &MVControlColumn::heightChanged, this, &MainWindow::controlHeightChanged);
+        // New text tiles start in the family picked last, in this run and the next.
+        connect(controlColumn, &MVControlColumn::fontChosen, this, [](const QString& family) {
+            MultiData::global().setString(PrefKeys::kLastFont, family.toStdString());
+            ImageModTextOverlay::setDefaultFontFamily(family.toStdString());
+        });
         connect(controlColumn, &MVControlColumn::hovered, this, &MainWindow::controlHovered);
         nodeControlAnimationTimer = new QTimer(this);
         nodeControlAnimationTimer->setInterval(kFadeInterval);

@@ -9,8 +9,8 @@
 #include "mods/ImageModSize2.h"
 #include "tools/MVFullScreenControl.h"
 #include "tools/OnCanvasControls.h"
-#include "ui/MVToolWidgetCrop.h"
-#include "ui/MVToolWidgetRetouch.h"
+#include "tools/MVToolWidgetCrop.h"
+#include "tools/MVToolWidgetRetouch.h"
 #include "ui/TrayWidget.h"
 
 #include <QtCore/QPointer>

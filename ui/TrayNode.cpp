@@ -128,10 +128,7 @@ void TrayNode::applyStyle()
     const char* image = selected ? art.selected : art.normal;
     setStyleSheet(QStringLiteral("TrayNode { border-image: url(%1) 20 40 20 40; border-width: 10px 20px 10px 20px; }")
                       .arg(QLatin1String(image)));
-    QPalette pal = nameLabel->palette();
-    pal.setColor(QPalette::WindowText, selected ? QColor(0xff, 0xff, 0xff) : QColor(0, 0, 0));
-    nameLabel->setPalette(pal);
-    nameLabel->update();
+    nameLabel->setTextColor(selected ? QColor(0xff, 0xff, 0xff) : QColor(0x1c, 0x1c, 0x1c));
 }
 
 void TrayNode::pinButtonPressed()

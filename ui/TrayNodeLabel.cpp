@@ -53,11 +53,19 @@ void TrayNodeLabel::placeIn(int tileWidth, int tileHeight)
     setGeometry(inset, insetTop, w, std::max(fm.lineSpacing(), h));
 }
 
+void TrayNodeLabel::setTextColor(const QColor& c)
+{
+    if (c == color)
+        return;
+    color = c;
+    update();
+}
+
 void TrayNodeLabel::paintEvent(QPaintEvent*)
 {
     QPainter p(this);
     p.setOpacity(labelOpacity);
     p.setFont(font());
-    p.setPen(palette().color(QPalette::WindowText));
+    p.setPen(color);
     p.drawText(rect(), kTextFlags, QString::fromUtf8(utf8));
 }

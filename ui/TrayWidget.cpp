@@ -2,8 +2,8 @@
 
 #include "core/ImageMod.h"
 #include "ui/TrayNode.h"
-#include "ui/UndoCommandAdjustFilter.h"
-#include "ui/UndoCommandFilterSequence.h"
+#include "document/UndoCommandAdjustFilter.h"
+#include "document/UndoCommandFilterSequence.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -447,6 +447,7 @@ void TrayWidget::refreshNodes()
 
 void TrayWidget::rebuild()
 {
+    update(); // the empty tray's hint comes or goes
     sortByGroup(*current);
     bool anyCentral = false;
     for (const auto& m : current->children)
@@ -584,7 +585,21 @@ void TrayWidget::wheelEvent(QWheelEvent* event)
 
 void TrayWidget::paintEvent(QPaintEvent*)
 {
-    // The strip's background is the owner's; the tray paints only its tiles.
+    // The strip's background is the owner's; the tray paints only its tiles, and while there are
+    // none a quiet line saying how to get some.
+    if (current != &rootSequence || current->childCount() > 0)
+        return;
+    QPainter p(this);
+    QFont f = font();
+    f.setPixelSize(12);
+    p.setFont(f);
+    p.setPen(QColor(0x80, 0x80, 0x80));
+    p.drawText(rect(), Qt::AlignCenter, emptyHint());
+}
+
+QString TrayWidget::emptyHint()
+{
+    return QStringLiteral("Add adjustments from the panel on the right, or drop a filter file here");
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -49,6 +49,8 @@ public:
     // The root, or the compound being edited.
     ImageModCompound* currentSequence() const { return current; }
     int tileCount() const { return current->childCount(); }
+    // Shown in the middle of an empty root.
+    static QString emptyHint();
     ImageMod* modAt(int index) const;
     TrayNode* nodeAt(int index) const;
     const std::vector<TrayNode*>& tileNodes() const { return nodes; }

@@ -45,7 +45,19 @@ void qtMultiDataWidget::setFields(const QStringList& list)
 
 QString qtMultiDataWidget::format(float v) const
 {
+    if (hasUnset && v == unsetValue)
+        return QString();
     return QString::number(double(v), 'f', decimals);
+}
+
+void qtMultiDataWidget::setUnsetValue(float v, const QString& placeholder)
+{
+    hasUnset = true;
+    unsetValue = v;
+    for (size_t i = 0; i < edits.size(); ++i) {
+        edits[i]->setPlaceholderText(placeholder);
+        edits[i]->setText(format(values[i]));
+    }
 }
 
 void qtMultiDataWidget::setDecimals(int d)
@@ -91,9 +103,13 @@ void qtMultiDataWidget::fieldFinished(int index)
         return;
     QLineEdit* e = edits[size_t(index)];
     bool ok = false;
-    const float typed = e->text().trimmed().toFloat(&ok);
+    float typed = e->text().trimmed().toFloat(&ok);
+    if (hasUnset && e->text().trimmed().isEmpty()) {
+        typed = unsetValue;
+        ok = true;
+    }
     float& stored = values[size_t(index)];
-    if (!ok || !std::isfinite(typed) || e->text().trimmed() == format(stored)) {
+    if (!ok || !std::isfinite(typed) || (e->text().trimmed() == format(stored) && typed == stored)) {
         e->setText(format(stored));
         return;
     }

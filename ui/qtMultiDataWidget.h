@@ -27,6 +27,9 @@ public:
     // Digits after the point in the boxes; 0 prints whole numbers.
     void setDecimals(int d);
     QLineEdit* field(int index) const;
+    // A value meaning "not set" (a point left at its default place): shown as an empty box with
+    // placeholder text, and an emptied box sets it.
+    void setUnsetValue(float v, const QString& placeholder);
     // Reads each key's float (creating it with the shown value when absent) and writes edits
     // back. Needs as many keys as fields; false otherwise, and nothing is bound.
     bool bindToPreferences(MultiData* store, const std::vector<std::string>& keys);
@@ -46,6 +49,8 @@ private:
     std::vector<float> values;
     std::vector<QLineEdit*> edits;
     int decimals = 2;
+    bool hasUnset = false;
+    float unsetValue = 0.0f;
     MultiData* boundStore = nullptr;
     std::vector<std::string> boundKeys;
 };

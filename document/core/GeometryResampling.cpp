@@ -51,3 +51,29 @@ bool geometryResample(const FlexImageFloat& source, FlexImageFloat& destination,
         *changed = g.changed || (fixedTarget && resized);
     return true;
 }
+
+bool geometryIsPlainCopy(const FlexImageFloat& source, const std::vector<ImageMod*>& mods, int32_t targetWidth,
+                         int32_t targetHeight, bool exact)
+{
+    if (source.isEmpty() || findEnabledWithTag(mods, kTagBorder))
+        return false;
+    GeometryResult g = computeGeometry(source.width, source.height, mods, exact ? 0 : targetWidth,
+                                       exact ? 0 : targetHeight);
+    if (exact && targetWidth > 0 && targetHeight > 0) {
+        g.width = targetWidth;
+        g.height = targetHeight;
+    }
+    if (g.width != source.width || g.height != source.height)
+        return false;
+    CropFractions cropRect;
+    const CropFractions* crop = nullptr;
+    float straighten = 0.0f;
+    if (auto* cropMod = dynamic_cast<ImageModCrop*>(findEnabledWithTag(mods, kTagCrop))) {
+        cropRect = cropMod->cropRect(float(source.width), float(source.height));
+        crop = &cropRect;
+        straighten = cropMod->straighten();
+    }
+    CropRotateScaleMapping m;
+    return planCropRotateScale(source.width, source.height, g.width, g.height, crop, nullptr, straighten, m)
+        && m.plainCopy;
+}

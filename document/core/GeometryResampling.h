@@ -16,3 +16,8 @@
 // be null) says the geometry or the destination's size changed.
 bool geometryResample(const FlexImageFloat& source, FlexImageFloat& destination, const std::vector<ImageMod*>& mods,
                       int32_t targetWidth, int32_t targetHeight, bool exact, bool* changed = nullptr);
+
+// True when geometryResample with these arguments would only copy the source as it is (same size,
+// no crop, no turn, no border tile): a caller that owns the source may then use it in place.
+bool geometryIsPlainCopy(const FlexImageFloat& source, const std::vector<ImageMod*>& mods, int32_t targetWidth,
+                         int32_t targetHeight, bool exact);

@@ -33,3 +33,35 @@ bool renderFullSize(const FlexImageFloat& source, const std::vector<ImageMod*>& 
     runner.run(mods, &destination, nullptr, -1, 0, nullptr);
     return true;
 }
+
+bool renderFullSizeTaking(FlexImageFloat& source, const std::vector<ImageMod*>& mods, FlexImageFloat& destination,
+                          int32_t width, int32_t height)
+{
+    if (source.isEmpty() || &source == &destination)
+        return false;
+    int32_t w = width;
+    int32_t h = height;
+    if (w < 1 || h < 1)
+        fullOutputSize(source.width, source.height, mods, w, h);
+    if (w < 1 || h < 1)
+        return false;
+    if (!geometryIsPlainCopy(source, mods, w, h, true))
+        return renderFullSize(source, mods, destination, width, height);
+
+    destination.reset();
+    std::swap(destination.data, source.data);
+    std::swap(destination.ownsData, source.ownsData);
+    destination.width = source.width;
+    destination.height = source.height;
+    destination.channels = source.channels;
+    destination.colorChannels = source.colorChannels;
+    destination.marginLeft = source.marginLeft;
+    destination.marginRight = source.marginRight;
+    destination.marginTop = source.marginTop;
+    destination.marginBottom = source.marginBottom;
+    destination.scale = source.scale;
+    source.reset();
+    ModSequenceRunner runner(false, false, 256, 0.5f);
+    runner.run(mods, &destination, nullptr, -1, 0, nullptr);
+    return true;
+}

@@ -17,3 +17,9 @@ void fullOutputSize(int32_t sourceWidth, int32_t sourceHeight, const std::vector
 // the geometry leaves no pixel or the source is empty; no pixel is drawn then.
 bool renderFullSize(const FlexImageFloat& source, const std::vector<ImageMod*>& mods, FlexImageFloat& destination,
                     int32_t width = 0, int32_t height = 0);
+
+// renderFullSize for a caller done with the source: when the geometry leaves the picture as it is,
+// the source's buffer becomes the destination (no full-size copy; the source is left empty),
+// otherwise the source is kept and read as renderFullSize does. Same pixels either way.
+bool renderFullSizeTaking(FlexImageFloat& source, const std::vector<ImageMod*>& mods, FlexImageFloat& destination,
+                          int32_t width = 0, int32_t height = 0);

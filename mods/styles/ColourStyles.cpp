@@ -28,6 +28,10 @@ constexpr const char* kPlasticRgb =
 
 // --- Saloon -------------------------------------------------------------------------------------
 
+namespace {
+constexpr float kSaloonMaxLift = 0.25f;
+} // namespace
+
 ImageModSaloon::ImageModSaloon() : ImageModStyle("Saloon", "Saloon Camera")
 {
     describe("Old-timey fun with a white vignette.", 1);
@@ -37,7 +41,11 @@ void ImageModSaloon::runRecipe(FlexImageFloat* image, const ImageModApplyContext
 {
     StyleStages s(image, context);
     const float d = wave(v, k6, 1.5789999961853027) * 0.32499998807907104f - 0.125f;
-    s.gamma((d + 0.29499996f) * a + 1.0f);
+    // The lift is capped at 0.25: near the crest of the wave (Variation 640, 1234.5, ...) it reached
+    // 0.495, an exponent near 2 that folds everything above the midtones into the top few levels,
+    // and the white vignette and the lifting curve after it then washed a bright photo to white.
+    // Below the cap the looks are unchanged.
+    s.gamma(std::min(d + 0.29499996f, kSaloonMaxLift) * a + 1.0f);
     s.vignette(-0.8f * a, wave(v, k7, 1.2899999618530273) * 17.5f + 2.5f + 37.0f, 0.8420000076293945f);
     s.luminanceCurve(a, "0.000000 0.190850 0.205533 0.231665 0.308529 0.481292 0.785465 0.919104 1.000000 1.000000");
     s.dye(a, {255.0f, 212.925f, 178.5f}, 1);

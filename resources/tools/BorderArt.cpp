@@ -251,7 +251,9 @@ void drawDeckledEdge(QPainter& p, const BorderFileStyle& s, const Frame& f)
 
 void drawStamp(QPainter& p, const BorderFileStyle& s, const Frame& f)
 {
-    const double edge = 40.0, pitch = 40.0, radius = 13.0;
+    // Big, widely spaced holes: the art is drawn for a 3000-pixel photo and a phone-sized one
+    // shrinks it by three, where small holes blur into a grey seam.
+    const double edge = 30.0, pitch = 60.0, radius = 19.0; // (600 - 2 * 30) holds whole pitches
     QPainterPath sheet = rectPath(QRectF(edge, edge, f.w - 2 * edge, f.h - 2 * edge));
     QPainterPath holes;
     for (double x = edge; x <= f.w - edge + 0.5; x += pitch) {
@@ -343,13 +345,14 @@ void drawBurnedEdges(QPainter& p, const BorderFileStyle& s, const Frame& f)
         const double along[4] = {double(y), double(x), double(y), double(x)};
         double clear = 1.0;
         for (int side = 0; side < 4; ++side) {
-            const double depth = reach * (0.55 + 0.22 * blot[side].at(along[side]) + 0.06 * ash[side].at(along[side]));
+            const double depth = reach * (0.75 + 0.22 * blot[side].at(along[side]) + 0.06 * ash[side].at(along[side]));
             const double u = std::clamp(1.0 - d[side] / depth, 0.0, 1.0);
             clear *= 1.0 - u * u * (3.0 - 2.0 * u);
         }
         const double a = 1.0 - clear;
         // One scorched colour, only its coverage varies: alpha in steps of two keeps the picture small; the tile smooths it when it scales.
-        const int alpha = int(std::lround(127.0 * std::pow(a, 1.2))) * 2;
+        // A low power: the scorch holds its strength well into the picture before it fades.
+        const int alpha = int(std::lround(127.0 * std::pow(a, 0.6))) * 2;
         return QColor(26, 12, 4, std::min(alpha, 255));
     });
 }

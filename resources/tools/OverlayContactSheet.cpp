@@ -153,7 +153,7 @@ int main(int argc, char** argv)
     const TextStyle texts[] = {
         { "Summer in the forest", "Bitstream Vera Sans", 0.07f, 1, 0.6f, { 255, 255, 255 } },
         { "Fleur d'été\nJardin · 2024", "DejaVu Serif", 0.06f, 0, 0.0f, { 250, 230, 120 } },
-        { "VANTREL", "Bitstream Vera Sans Mono", 0.12f, 2, 1.0f, { 30, 30, 30 } },
+        { "VANTREL", "Bitstream Vera Sans Mono", 0.12f, 2, 1.0f, { 236, 232, 222 } },
     };
     int t = 0;
     for (const TextStyle& s : texts) {

@@ -99,6 +99,15 @@ TEST(FlexImage, ResizeKeepsOrReplaces)
     img.reset();
     EXPECT_EQ(img.data, nullptr);
     EXPECT_EQ(img.channels, 4);
+
+    // A fresh 4-channel buffer is opaque in every row, however the rows were shared out.
+    FlexImageFloat tall(3, 1, 4);
+    tall.resize(7, 1001, 4);
+    int64_t notOpaque = 0;
+    for (int32_t y = 0; y < tall.height; ++y)
+        for (int32_t x = 0; x < tall.width; ++x)
+            notOpaque += tall.row(y)[x * 4 + 3] != 255.0f;
+    EXPECT_EQ(notOpaque, 0);
 }
 
 TEST(FlexImage, FloatToEightBitTruncatesWithoutClamp)

@@ -212,3 +212,96 @@ TEST(GeometryResampling, BorderSlotsReplaceTheResampler)
     EXPECT_EQ(border.drawnWidth, 0);
     EXPECT_EQ(dst.width, 60);
 }
+
+namespace {
+
+// A 4-channel picture whose samples all differ, with a translucent corner, a margin and a scale,
+// so a render that drops or shifts anything shows.
+FlexImageFloat* makeVariedSource(int32_t w, int32_t h)
+{
+    auto* img = new FlexImageFloat(w, h, 4);
+    for (int64_t i = 0; i < img->sampleCount(); ++i)
+        img->data[i] = float((i * 37) % 251) + 0.25f;
+    img->row(0)[3] = 17.0f;
+    img->scale = 1.5f;
+    img->marginLeft = 3;
+    return img;
+}
+
+void expectSameImage(const FlexImageFloat& a, const FlexImageFloat& b)
+{
+    ASSERT_EQ(a.width, b.width);
+    ASSERT_EQ(a.height, b.height);
+    ASSERT_EQ(a.channels, b.channels);
+    EXPECT_EQ(a.colorChannels, b.colorChannels);
+    EXPECT_EQ(a.marginLeft, b.marginLeft);
+    EXPECT_FLOAT_EQ(a.scale, b.scale);
+    int64_t differing = 0;
+    for (int64_t i = 0; i < a.sampleCount(); ++i)
+        differing += a.data[i] != b.data[i];
+    EXPECT_EQ(differing, 0);
+}
+
+} // namespace
+
+TEST(HeadlessRender, TakingTheSourceGivesTheSamePixelsWithoutACopy)
+{
+    std::unique_ptr<FlexImageFloat> kept(makeVariedSource(301, 203));
+    std::unique_ptr<FlexImageFloat> taken(makeVariedSource(301, 203));
+    TestCountMod add(0, 20.0f);
+    std::vector<ImageMod*> list{&add};
+    EXPECT_TRUE(geometryIsPlainCopy(*taken, list, 0, 0, true));
+
+    FlexImageFloat expected(1, 1, 3);
+    ASSERT_TRUE(renderFullSize(*kept, list, expected));
+    FlexImageFloat out(1, 1, 3);
+    const float* buffer = taken->data;
+    ASSERT_TRUE(renderFullSizeTaking(*taken, list, out));
+    expectSameImage(out, expected);
+    // The source's own buffer was rendered, and the source let go of it.
+    EXPECT_EQ(out.data, buffer);
+    EXPECT_EQ(taken->data, nullptr);
+    EXPECT_TRUE(taken->isEmpty());
+
+    // The same size asked for explicitly is still a plain copy.
+    std::unique_ptr<FlexImageFloat> again(makeVariedSource(301, 203));
+    FlexImageFloat sized(1, 1, 3);
+    ASSERT_TRUE(renderFullSizeTaking(*again, list, sized, 301, 203));
+    expectSameImage(sized, expected);
+    EXPECT_EQ(again->data, nullptr);
+}
+
+TEST(HeadlessRender, TakingKeepsTheSourceWhenTheGeometryChangesIt)
+{
+    ImageModConstrainSize size;
+    size.variableAt(2)->setFloatValue(100.0f);
+    ImageModCrop crop;
+    crop.variableAt(1)->setFloatValue(0.25f);
+    BandBorder border;
+    TestCountMod add(0, 5.0f);
+    const std::vector<std::vector<ImageMod*>> lists{ { &size, &add }, { &crop, &add }, { &border, &add } };
+    for (const std::vector<ImageMod*>& list : lists) {
+        std::unique_ptr<FlexImageFloat> kept(makeVariedSource(120, 90));
+        std::unique_ptr<FlexImageFloat> taken(makeVariedSource(120, 90));
+        EXPECT_FALSE(geometryIsPlainCopy(*taken, list, 0, 0, true));
+        FlexImageFloat expected(1, 1, 3);
+        ASSERT_TRUE(renderFullSize(*kept, list, expected));
+        FlexImageFloat out(1, 1, 3);
+        ASSERT_TRUE(renderFullSizeTaking(*taken, list, out));
+        expectSameImage(out, expected);
+        ASSERT_NE(taken->data, nullptr);
+        EXPECT_EQ(taken->width, 120);
+        EXPECT_EQ(taken->data[5], kept->data[5]);
+    }
+    // A different output size is a resample too; bad input fails and leaves the source.
+    std::unique_ptr<FlexImageFloat> source(makeVariedSource(120, 90));
+    EXPECT_FALSE(geometryIsPlainCopy(*source, {}, 60, 45, true));
+    FlexImageFloat out(1, 1, 3);
+    ASSERT_TRUE(renderFullSizeTaking(*source, {}, out, 60, 45));
+    EXPECT_EQ(out.width, 60);
+    EXPECT_NE(source->data, nullptr);
+    EXPECT_FALSE(renderFullSizeTaking(out, {}, out));
+    FlexImageFloat empty(0, 0, 3);
+    EXPECT_FALSE(renderFullSizeTaking(empty, {}, out));
+    EXPECT_FALSE(geometryIsPlainCopy(empty, {}, 0, 0, true));
+}

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #if defined(VANTREL_PRESET_ARCHIVE) && defined(VANTREL_PRESET_SOURCE) && defined(VANTREL_LEGACY_ARCHIVE)
@@ -125,6 +126,66 @@ TEST(DefaultPresets, EveryPresetLoadsAndChangesAPhoto)
         EXPECT_TRUE(allFinite(img));
         // A look that moves no sample by at least two levels is no look.
         EXPECT_GT(largestChange(img, original), 2.0f);
+    }
+}
+
+// Skin, sky, foliage and grey: whatever a look does, these mid tones must stay readable. A
+// look that crushes a face to black or burns a sky to white is broken, however stylish.
+TEST(DefaultPresets, EveryPresetKeepsMidTonesReadable)
+{
+    struct Patch {
+        const char* what;
+        float rgb[3];
+    };
+    const Patch patches[] = {
+        { "skin", { 205.0f, 150.0f, 125.0f } },
+        { "sky", { 105.0f, 155.0f, 215.0f } },
+        { "foliage", { 70.0f, 115.0f, 55.0f } },
+        { "grey", { 128.0f, 128.0f, 128.0f } },
+    };
+    const ModCatalogueContents catalogue = buildModCatalogue();
+    const QStringList files = filesBelow(VANTREL_PRESET_SOURCE);
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString& rel : files) {
+        int32_t status = -1;
+        ModList mods = readFilter(QString(VANTREL_PRESET_SOURCE "/" + rel).toStdString(), catalogue.mods, status);
+        ASSERT_EQ(status, kFilterReadOk) << rel.toStdString();
+        for (const Patch& patch : patches) {
+            SCOPED_TRACE(rel.toStdString() + " on " + patch.what);
+            FlexImageFloat img;
+            img.resize(96, 64, 3);
+            for (int32_t y = 0; y < img.height; ++y) {
+                float* p = img.row(y);
+                for (int32_t x = 0; x < img.width; ++x, p += 3)
+                    std::copy(patch.rgb, patch.rgb + 3, p);
+            }
+            ReferenceFrame frame;
+            frame.imageWidth = img.width;
+            frame.imageHeight = img.height;
+            ImageModApplyContext ctx;
+            ctx.referenceFrame = &frame;
+            for (const auto& mod : mods) {
+                if (mod->enabled && mod->kind() != 1) // borders act in the geometry step
+                    mod->apply(&img, &ctx);
+            }
+            // The mean of a block in the middle: grain averages out, a vignette hardly reaches.
+            double sum[3] = { 0.0, 0.0, 0.0 };
+            for (int32_t y = 24; y < 40; ++y) {
+                const float* p = img.row(y) + 40 * 3;
+                for (int32_t x = 0; x < 16; ++x, p += 3) {
+                    for (int c = 0; c < 3; ++c)
+                        sum[c] += p[c];
+                }
+            }
+            const double r = sum[0] / 256.0, g = sum[1] / 256.0, b = sum[2] / 256.0;
+            const double luma = 0.299 * r + 0.587 * g + 0.114 * b;
+            EXPECT_GT(luma, 30.0);
+            EXPECT_LT(luma, 225.0);
+            for (double v : { r, g, b }) {
+                EXPECT_GE(v, 1.0);
+                EXPECT_LE(v, 254.0);
+            }
+        }
     }
 }
 

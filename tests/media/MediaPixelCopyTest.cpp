@@ -270,6 +270,22 @@ TEST(MediaPixelCopyTest, SaveQuantiserTruncatesWithoutClamp)
     EXPECT_EQ(withAlpha.layout, CompactImage::RGBA);
     EXPECT_EQ(withAlpha.row8(0)[7], 254);
 
+    // The scan for alpha covers every row: a single translucent pixel anywhere keeps alpha.
+    FlexImageFloat tall(37, 513, 4);
+    for (int64_t i = 0; i < tall.sampleCount(); ++i)
+        tall.data[i] = 255.0f;
+    CompactImage opaque;
+    ASSERT_TRUE(quantiseForSave(tall, false, opaque));
+    EXPECT_EQ(opaque.layout, CompactImage::RGB);
+    for (const int32_t y : {0, 256, 512}) {
+        tall.row(y)[36 * 4 + 3] = 200.0f;
+        CompactImage one;
+        ASSERT_TRUE(quantiseForSave(tall, false, one));
+        EXPECT_EQ(one.layout, CompactImage::RGBA) << "row " << y;
+        EXPECT_EQ(one.row8(y)[36 * 4 + 3], 200) << "row " << y;
+        tall.row(y)[36 * 4 + 3] = 255.0f;
+    }
+
     // Side route: 8-bit truncation of the float itself, and missing alpha written as opaque.
     FlexImageFloat rgb(1, 1, 3);
     rgb.data[0] = 300.0f;

@@ -230,6 +230,35 @@ TEST(CameraStyles, SaloonScalesItsRecipeByAmount)
     EXPECT_GT(meanAbsDiff(half, full), 2.0);
 }
 
+TEST(CameraStyles, SaloonKeepsABrightPhotoOffWhiteAtEveryVariation)
+{
+    // A bright, low-contrast scene (every sample 110 or more). Its middle half must keep detail
+    // for any Variation: the corners may go white, that is the look. Before the lift was capped,
+    // Variation 640 left the middle at a mean of 249 with over half its samples at 250 or more.
+    ImageModSaloon saloon;
+    double worstMean = 0.0, worstClipped = 0.0;
+    for (float v = 0.0f; v <= 2000.0f; v += 2.5f) {
+        FlexImageFloat img;
+        paintScene(img, 60, 40);
+        for (int64_t i = 0; i < img.sampleCount(); ++i)
+            img.data[i] = std::min(255.0f, img.data[i] * 0.6f + 110.0f);
+        std::unique_ptr<ImageMod> m = saloon.newInstance();
+        m->variableAt(ImageModStyle::varVariation)->setFloatValue(v);
+        m->apply(&img, nullptr);
+        double sum = 0.0;
+        int64_t clipped = 0, count = 0;
+        for (int32_t y = 10; y < 30; ++y)
+            for (int32_t k = 15 * 3; k < 45 * 3; ++k, ++count) {
+                sum += img.row(y)[k];
+                clipped += img.row(y)[k] >= 250.0f ? 1 : 0;
+            }
+        worstMean = std::max(worstMean, sum / double(count));
+        worstClipped = std::max(worstClipped, double(clipped) / double(count));
+    }
+    EXPECT_LT(worstMean, 240.0);
+    EXPECT_LT(worstClipped, 0.35);
+}
+
 TEST(CameraStyles, RandomizedVariationFollowsTheSharedRule)
 {
     ImageModHelga helga;

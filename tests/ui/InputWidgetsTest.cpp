@@ -31,6 +31,7 @@ private slots:
     void stringBoxReportsFinishedChanges();
     void multiDataRowEditsOneNumber();
     void multiDataRowWritesThroughToPreferences();
+    void multiDataRowShowsUnsetAsPlaceholder();
     void chipsKeepTheOrderOfSelection();
 };
 
@@ -162,6 +163,33 @@ void InputWidgetsTest::multiDataRowWritesThroughToPreferences()
     type(row.field(1), QStringLiteral("-2"));
     QCOMPARE(store.getFloat("MarginY", 0.0f), -2.0f);
     QCOMPARE(store.getFloat("MarginX", 0.0f), 3.5f);
+}
+
+// A point at its default place (-1) reads "Auto" rather than "-1"; emptying a box puts it back there.
+void InputWidgetsTest::multiDataRowShowsUnsetAsPlaceholder()
+{
+    qtMultiDataWidget row;
+    row.setFields({QStringLiteral("X"), QStringLiteral("Y")});
+    row.setDecimals(0);
+    row.setValue(0, -1.0f);
+    row.setValue(1, 40.0f);
+    row.setUnsetValue(-1.0f, QStringLiteral("Auto"));
+    QCOMPARE(row.field(0)->text(), QString());
+    QCOMPARE(row.field(0)->placeholderText(), QStringLiteral("Auto"));
+    QCOMPARE(row.field(1)->text(), QStringLiteral("40"));
+    QSignalSpy edited(&row, &qtMultiDataWidget::dataEdited);
+    type(row.field(0), QStringLiteral(""));
+    QCOMPARE(edited.count(), 0); // still unset
+    type(row.field(0), QStringLiteral("120"));
+    QCOMPARE(row.value(0), 120.0f);
+    type(row.field(1), QStringLiteral(""));
+    QCOMPARE(edited.count(), 2);
+    QCOMPARE(row.value(1), -1.0f);
+    QCOMPARE(row.field(1)->text(), QString());
+    // A typed -1 is the same thing.
+    type(row.field(0), QStringLiteral("-1"));
+    QCOMPARE(row.value(0), -1.0f);
+    QCOMPARE(row.field(0)->text(), QString());
 }
 
 void InputWidgetsTest::chipsKeepTheOrderOfSelection()

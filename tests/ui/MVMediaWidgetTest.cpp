@@ -4,6 +4,7 @@
 #include "desktop_only/qtImageConverters.h"
 #include "document/MVImageWithProcessing.h"
 #include "document/MVMediaWidget.h"
+#include "document/core/ModSequenceRunner.h"
 #include "media/ColorTransformSet.h"
 #include "ui/DevicePixelRatio.h"
 
@@ -56,6 +57,23 @@ public:
     }
 };
 
+// Adds its "Amount" to green and counts its applies, so a test sees which stages a pass ran.
+std::atomic<int> gOffsetApplies{0};
+
+class OffsetMod : public ImageMod
+{
+public:
+    explicit OffsetMod(float amount = 0.0f) : ImageMod("Offset", "Offset") { addFloat("Amount", amount, 0.0f, 255.0f); }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<OffsetMod>(); }
+    void apply(FlexImageFloat* image, const ImageModApplyContext*) override
+    {
+        gOffsetApplies.fetch_add(1);
+        for (int y = 0; y < image->height; ++y)
+            for (int x = 0; x < image->width; ++x)
+                image->row(y)[x * image->channels + 1] += floatValue(0);
+    }
+};
+
 bool waitIdle(MVMediaWidget& w, int ms = 10000)
 {
     QElapsedTimer t;
@@ -92,6 +110,7 @@ private slots:
         gDevicePixelRatio = 1.0f;
         gGateOpen = true;
         gApplies = 0;
+        gOffsetApplies = 0;
     }
 
     void smallImageStaysAtItsSizeCentred()
@@ -285,6 +304,36 @@ private slots:
         QVERIFY(!w.hasMedia);
         QCOMPARE(w.outputPixelSize(), QSize(-1, -1));
         QVERIFY(w.displayCopy().isNull());
+    }
+
+    void dragOnAFittedViewRunsOnlyTheDraggedTile()
+    {
+        // The whole picture is in view, so the runner fills the region itself from its cache.
+        MVMediaWidget w;
+        w.resize(300, 200);
+        w.setSource(gradientImage(64, 48));
+        QVERIFY(waitIdle(w));
+        OffsetMod first(5.0f), dragged(1.0f);
+        w.setMods({&first, &dragged});
+        QVERIFY(waitIdle(w));
+        dragged.variableAt(0)->setFloatValue(2.0f); // stores the picture after the first tile
+        w.setMods({&first, &dragged});
+        QVERIFY(waitIdle(w));
+        const int before = gOffsetApplies.load();
+        for (float v : {3.0f, 4.0f, 6.0f}) {
+            dragged.variableAt(0)->setFloatValue(v);
+            w.setMods({&first, &dragged});
+            QVERIFY(waitIdle(w));
+            // (10, 7): green 35 from the gradient, 5 from the first tile, v from the dragged one.
+            QCOMPARE(w.displayCopy().pixel(10, 7), qRgb(70, 35 + 5 + int(v), 17));
+            QCOMPARE(w.displayCopy().pixel(63, 47), qRgb((63 * 7) % 256, (47 * 5) % 256 + 5 + int(v), 110));
+        }
+        QCOMPARE(gOffsetApplies.load() - before, 3); // the dragged tile alone, once a change
+        QCOMPARE(w.runner->currentCachedStage(), 0);
+        // Removing the tiles leaves the plain picture, filled without any cache.
+        w.setMods({});
+        QVERIFY(waitIdle(w));
+        QCOMPARE(w.displayCopy().pixel(10, 7), qRgb(70, 35, 17));
     }
 
     void displayCopyMatchesPerPixelWrites()

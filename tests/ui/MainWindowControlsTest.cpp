@@ -5,9 +5,13 @@
 #include "core/ImageModVariableDataCurve.h"
 #include "core/ModCatalogue.h"
 #include "document/MVMediaWidget.h"
+#include "filters/MultiData.h"
+#include "filters/PreferenceKeys.h"
+#include "mods/ImageModTextOverlay.h"
 #include "ui/AppTheme.h"
 #include "ui/MVControlColumn.h"
 #include "ui/MVSlider.h"
+#include "ui/MVStringInputBox.h"
 #include "ui/MainWindow.h"
 #include "ui/ToneCurveWidget.h"
 #include "ui/TrayWidget.h"
@@ -15,6 +19,7 @@
 #include <QtTest/QtTest>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QGraphicsOpacityEffect>
+#include <QtWidgets/QPushButton>
 
 namespace {
 
@@ -114,6 +119,58 @@ private slots:
         QCOMPARE(viewerAmount(viewer), 1.0f);
         QCOMPARE(w.adjustUndoRequests, 2);
         w.showControlsFor(nullptr);
+    }
+
+    // A text tile's words are a text field; its family a button naming it. A pick is one undo
+    // step, and becomes the family of later text tiles and the "LastFont" preference.
+    void pickingAFontIsRemembered()
+    {
+        MainWindow w(AppTheme::styleSheet());
+        w.resize(1200, 800);
+        w.show();
+        std::unique_ptr<ImageMod> text = createMod(catalogue.mods, "Text Overlay");
+        auto* overlay = dynamic_cast<ImageModTextOverlay*>(text.get());
+        QVERIFY(overlay);
+        w.currentViewer()->setMods({text.get()});
+        w.showControlsFor(text.get());
+        QVERIFY(qobject_cast<MVStringInputBox*>(w.controlColumn->controlForVariable(ImageModTextOverlay::textIndex)));
+        auto* fontButton = qobject_cast<QPushButton*>(w.controlColumn->controlForVariable(ImageModTextOverlay::fontIndex));
+        QVERIFY(fontButton);
+        const QString before = QString::fromStdString(overlay->fontFamily());
+        QCOMPARE(fontButton->text(), before);
+        const QString picked = before == QLatin1String("DejaVu Serif") ? QStringLiteral("DejaVu Sans") : QStringLiteral("DejaVu Serif");
+
+        // Cancelled: nothing moves.
+        QString offered;
+        w.controlColumn->chooseFontHook = [&](const QString& current, QString&) {
+            offered = current;
+            return false;
+        };
+        QTest::mouseClick(fontButton, Qt::LeftButton);
+        QCOMPARE(offered, before);
+        QCOMPARE(w.adjustUndoRequests, 0);
+        QCOMPARE(QString::fromStdString(overlay->fontFamily()), before);
+
+        w.controlColumn->chooseFontHook = [&](const QString&, QString& chosen) {
+            chosen = picked;
+            return true;
+        };
+        QTest::mouseClick(fontButton, Qt::LeftButton);
+        QCOMPARE(QString::fromStdString(overlay->fontFamily()), picked);
+        QCOMPARE(fontButton->text(), picked);
+        QCOMPARE(w.adjustUndoRequests, 1);
+        QCOMPARE(QString::fromStdString(MultiData::global().getString(PrefKeys::kLastFont, "")), picked);
+        ImageModTextOverlay fresh;
+        QCOMPARE(QString::fromStdString(fresh.fontFamily()), picked);
+        // The viewer's clone draws with it.
+        {
+            std::lock_guard<std::mutex> lock(w.currentViewer()->stateMutex);
+            auto* clone = dynamic_cast<ImageModTextOverlay*>(w.currentViewer()->mods.front().get());
+            QVERIFY(clone);
+            QCOMPARE(QString::fromStdString(clone->fontFamily()), picked);
+        }
+        w.showControlsFor(nullptr);
+        ImageModTextOverlay::setDefaultFontFamily(before.toStdString());
     }
 
     void trayTileDragIsOneUndoStep()
@@ -241,7 +298,7 @@ private slots:
         const QByteArray dir = qgetenv("VANTREL_SHOT_DIR");
         if (dir.isEmpty() || !QFile::exists(kPhoto))
             QSKIP("no screenshot folder or no photo");
-        for (const char* name : {"Curves", "Split Tone", "Vignette", "HSV Mask"}) {
+        for (const char* name : {"Curves", "Split Tone", "Vignette", "HSV Mask", "Text Overlay"}) {
             MainWindow w(AppTheme::styleSheet());
             w.resize(1600, 1000);
             QVERIFY(w.loadFile(kPhoto));

@@ -435,13 +435,23 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(win.w.quicklook, 20000);
         MVPreviewChooser* chooser = win.w.quicklook;
         QVERIFY(chooser);
-        MVPreviewChooserItem* cell = chooser->item(chooser->thumbnailCount() - 1);
-        const auto* preset = dynamic_cast<const FileFilter*>(cell->preset());
-        QVERIFY(preset && !preset->children.empty());
+        // The last preset without a vignette of its own, so replacing shows.
+        MVPreviewChooserItem* cell = nullptr;
+        const FileFilter* preset = nullptr;
         QStringList expected;
-        for (const auto& c : preset->children)
-            expected << QString::fromStdString(c->name);
-        QVERIFY(!expected.contains(QStringLiteral("Vignette")));
+        for (int i = chooser->thumbnailCount() - 1; i >= 0 && !cell; --i) {
+            const auto* p = dynamic_cast<const FileFilter*>(chooser->item(i)->preset());
+            QStringList kids;
+            if (p)
+                for (const auto& c : p->children)
+                    kids << QString::fromStdString(c->name);
+            if (p && !kids.isEmpty() && !kids.contains(QStringLiteral("Vignette"))) {
+                cell = chooser->item(i);
+                preset = p;
+                expected = kids;
+            }
+        }
+        QVERIFY(cell && preset);
         chooser->waitForThumbnails();
         QTest::mouseClick(cell, Qt::LeftButton, Qt::NoModifier, cell->rect().center());
         QTRY_VERIFY(!win.w.quicklook);

@@ -10,8 +10,8 @@
 #include "tools/MVPixelChooserControl.h"
 #include "ui/AppTheme.h"
 #include "ui/MVPushButton.h"
-#include "ui/MVToolWidgetCrop.h"
-#include "ui/MVToolWidgetRetouch.h"
+#include "tools/MVToolWidgetCrop.h"
+#include "tools/MVToolWidgetRetouch.h"
 #include "ui/MainWindow.h"
 #include "ui/TrayWidget.h"
 

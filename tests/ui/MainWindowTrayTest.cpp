@@ -5,6 +5,8 @@
 #include "filters/FilterFile.h"
 #include "ui/AppTheme.h"
 #include "ui/MainWindow.h"
+#include "ui/TrayNode.h"
+#include "ui/TrayNodeLabel.h"
 #include "ui/TrayWidget.h"
 
 #include <QtCore/QMimeData>
@@ -318,6 +320,41 @@ private slots:
         win.w.trayContentChanged();
         QVERIFY(QTest::qWaitFor([&win] { return win.w.displaySettled(); }, 15000));
         QVERIFY(win.w.grab().save(QString::fromLocal8Bit(shots) + QStringLiteral("/editor_tray.png")));
+    }
+
+    // The window's style sheet gives every widget white text; the names on the light tiles must
+    // stay dark, and turn white only on the orange selected face.
+    void tileNamesReadableInTheWindow()
+    {
+        Window win;
+        const QString photo = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
+        if (QFile::exists(photo))
+            QVERIFY(win.w.loadFile(photo));
+        win.tray().addMod(*make("Vignette"));
+        win.tray().addMod(*make("Brightness"));
+        win.w.trayContentChanged();
+        // Any later polish (a style sheet set anywhere above the tiles) must not change them.
+        win.w.setStyleSheet(win.w.styleSheet());
+        QTest::qWait(50);
+        // Darkest and lightest pixel of the text: the label has no background of its own.
+        auto inkRange = [](TrayNode* node) {
+            const QImage img = node->grab().toImage();
+            const QRect r = node->label()->geometry().intersected(img.rect());
+            int darkest = 255, lightest = 0;
+            for (int y = r.top(); y <= r.bottom(); ++y)
+                for (int x = r.left(); x <= r.right(); ++x) {
+                    const int v = qGray(img.pixel(x, y));
+                    darkest = std::min(darkest, v);
+                    lightest = std::max(lightest, v);
+                }
+            return std::pair<int, int>(darkest, lightest);
+        };
+        const auto plain = inkRange(win.tray().nodeAt(0));
+        QVERIFY2(plain.first < 90, qPrintable(QStringLiteral("plain tile's darkest ink %1").arg(plain.first)));
+        win.tray().setSelected(1);
+        QTest::qWait(50);
+        const auto chosen = inkRange(win.tray().nodeAt(1));
+        QVERIFY2(chosen.second > 230, qPrintable(QStringLiteral("selected tile's lightest ink %1").arg(chosen.second)));
     }
 
     void nestFromTheMenuAsksForAName()

@@ -8,8 +8,8 @@
 #include "mods/ImageModExposure.h"
 #include "ui/DevicePixelRatio.h"
 #include "ui/MVListChooser.h"
-#include "ui/MVToolWidgetCrop.h"
-#include "ui/MVToolWidgetRetouch.h"
+#include "tools/MVToolWidgetCrop.h"
+#include "tools/MVToolWidgetRetouch.h"
 
 #include <QtGui/QWheelEvent>
 #include <QtTest/QtTest>

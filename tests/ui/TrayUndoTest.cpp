@@ -4,8 +4,8 @@
 #include "core/ImageModCompound.h"
 #include "core/ModCatalogue.h"
 #include "ui/TrayWidget.h"
-#include "ui/UndoCommandAdjustFilter.h"
-#include "ui/UndoCommandFilterSequence.h"
+#include "document/UndoCommandAdjustFilter.h"
+#include "document/UndoCommandFilterSequence.h"
 
 #include <QtTest/QtTest>
 

@@ -511,6 +511,28 @@ private slots:
         QCOMPARE(f.tray->contentWidget()->x(), -50);
     }
 
+    // An empty tray says how to fill it; the line goes with the first tile and comes back when
+    // the last one leaves.
+    void emptyTrayShowsAHint()
+    {
+        Fixture f;
+        // Distinct shades in the strip's middle, where no tile stands while there are few.
+        auto shadesInMiddle = [&f] {
+            QCoreApplication::processEvents();
+            const QImage img = f.tray->grab().toImage();
+            QSet<QRgb> seen;
+            for (int y = 0; y < img.height(); ++y)
+                for (int x = img.width() / 3; x < img.width() * 2 / 3; ++x)
+                    seen.insert(img.pixel(x, y));
+            return seen.size();
+        };
+        QVERIFY2(shadesInMiddle() > 4, "no hint in the empty tray");
+        f.add("Brightness");
+        QCOMPARE(shadesInMiddle(), 1);
+        f.tray->clearTray(false);
+        QVERIFY(shadesInMiddle() > 4);
+    }
+
     // With VANTREL_SHOT_DIR set: pictures of every look, for looking at them.
     void everyLookOnScreen()
     {

@@ -1,6 +1,6 @@
 #pragma once
 #include "document/core/UndoStack.h"
-#include "ui/MVToolWidget.h"
+#include "tools/MVToolWidget.h"
 
 class MVPushButton;
 class QLabel;

@@ -1,4 +1,4 @@
-#include "ui/MVToolWidgetRetouch.h"
+#include "tools/MVToolWidgetRetouch.h"
 
 #include "document/MVMediaWidget.h"
 #include "document/UndoCommandChangeImage.h"

@@ -1,4 +1,4 @@
-#include "ui/UndoCommandAdjustFilter.h"
+#include "document/UndoCommandAdjustFilter.h"
 
 #include "core/ImageMod.h"
 #include "ui/TrayWidget.h"

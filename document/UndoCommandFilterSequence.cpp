@@ -1,4 +1,4 @@
-#include "ui/UndoCommandFilterSequence.h"
+#include "document/UndoCommandFilterSequence.h"
 
 #include "core/ImageMod.h"
 #include "ui/TrayWidget.h"

@@ -1,4 +1,4 @@
-#include "ui/MVToolWidgetCrop.h"
+#include "tools/MVToolWidgetCrop.h"
 
 #include "core/ImageModVariableDataChoice.h"
 #include "document/MVMediaWidget.h"

@@ -1,4 +1,4 @@
-#include "ui/MVToolWidget.h"
+#include "tools/MVToolWidget.h"
 
 #include "core/ImageMod.h"
 #include "document/MVMediaWidget.h"

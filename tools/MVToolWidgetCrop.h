@@ -3,7 +3,7 @@
 #include "mods/CropToolState.h"
 #include "mods/ImageModAspectRatio.h"
 #include "mods/ImageModCrop.h"
-#include "ui/MVToolWidget.h"
+#include "tools/MVToolWidget.h"
 
 #include <QtCore/QTimer>
 
