@@ -229,6 +229,7 @@ void MVControlColumn::addEntry(int32_t index, ImageModVariable& variable)
         c->resize(w, 22);
         e.height = 22;
         connect(c, &MVListChooser::itemChanged, this, [this, c] { controlChanged(c); });
+        connect(c, &MVListChooser::itemHovered, this, [this, c] { emit hovered(c); });
         e.control = c;
         break;
     }

@@ -87,6 +87,8 @@ signals:
     void rightClicked(QWidget* control);
     void heightChanged();
     void fontChosen(const QString& family);
+    // A list control's open list points at another row (MVListChooser::hoveredIndex()).
+    void hovered(QWidget* control);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

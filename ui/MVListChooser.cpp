@@ -13,6 +13,13 @@ MVListChooser::MVListChooser(QWidget* parent) : MVPushButton(QString(), parent)
     connect(this, &QPushButton::pressed, this, &MVListChooser::showList);
 }
 
+MVListChooser::~MVListChooser()
+{
+    // An open list outlives this part of the object for a moment: it must not call back.
+    if (list)
+        list->disconnect(this);
+}
+
 void MVListChooser::setItems(const QStringList& list, int index)
 {
     items = list;
@@ -22,6 +29,7 @@ void MVListChooser::setItems(const QStringList& list, int index)
 void MVListChooser::setCurrentIndex(int i)
 {
     current = (i >= 0 && i < int(items.size())) ? i : -1;
+    hovered = current;
     update();
 }
 
@@ -36,6 +44,8 @@ void MVListChooser::showList()
         return;
     list = new MVListChooserList(items, current, this);
     connect(list, &MVListChooserList::itemChosen, this, &MVListChooser::chosen);
+    connect(list, &MVListChooserList::rowHighlighted, this, &MVListChooser::hoverMoved);
+    connect(list, &MVListChooserList::listHidden, this, &MVListChooser::hoverEnded);
     const QRect anchor(mapToGlobal(QPoint(0, 0)), size());
     int room = 400;
     if (QScreen* s = screen())
@@ -46,8 +56,25 @@ void MVListChooser::showList()
     setDown(false);
 }
 
+void MVListChooser::hoverMoved(int row)
+{
+    if (row == hovered || row < 0 || row >= int(items.size()))
+        return;
+    hovered = row;
+    emit itemHovered(row);
+}
+
+void MVListChooser::hoverEnded()
+{
+    if (hovered == current)
+        return;
+    hovered = current;
+    emit itemHovered(current);
+}
+
 void MVListChooser::chosen(int row)
 {
+    hoverEnded();
     if (row == current || row < 0 || row >= int(items.size()))
         return;
     current = row;

@@ -11,6 +11,7 @@ class MVListChooser : public MVPushButton {
     Q_OBJECT
 public:
     explicit MVListChooser(QWidget* parent = nullptr);
+    ~MVListChooser() override;
 
     void setItems(const QStringList& list, int current = 0);
     const QStringList& getItems() const { return items; }
@@ -21,17 +22,25 @@ public:
     // The open list, null when closed.
     MVListChooserList* openList() const { return list; }
     void showList();
+    // The row the open list points at (shown live while the pointer moves), else the current one.
+    int hoveredIndex() const { return hovered; }
 
 signals:
     void itemChanged(int index);
+    // hoveredIndex() changed. The list's end brings it back to the current row before any choice
+    // is reported, so a live preview is undone before the change is made for good.
+    void itemHovered(int index);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void chosen(int row);
+    void hoverMoved(int row);
+    void hoverEnded();
 
     QStringList items;
     int current = -1;
+    int hovered = -1;
     QPointer<MVListChooserList> list;
 };

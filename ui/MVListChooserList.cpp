@@ -95,6 +95,7 @@ void MVListChooserList::mouseMoveEvent(QMouseEvent* event)
     if (row >= 0 && row != highlighted) {
         highlighted = row;
         update();
+        emit rowHighlighted(row);
     }
 }
 
@@ -103,7 +104,13 @@ void MVListChooserList::leaveEvent(QEvent*)
     if (highlighted != original) {
         highlighted = original;
         update();
+        emit rowHighlighted(original);
     }
+}
+
+void MVListChooserList::hideEvent(QHideEvent*)
+{
+    emit listHidden();
 }
 
 void MVListChooserList::wheelEvent(QWheelEvent* event)
@@ -123,6 +130,7 @@ void MVListChooserList::keyPressEvent(QKeyEvent* event)
             highlighted = std::clamp(highlighted < 0 ? 0 : highlighted + step, 0, n - 1);
             showRow(highlighted);
             update();
+            emit rowHighlighted(highlighted);
         }
         break;
     case Qt::Key_Return:

@@ -20,6 +20,11 @@ public:
 
 signals:
     void itemChosen(int row);
+    // The highlight moved to row (the pointer, the arrow keys, or back to the current row when
+    // the pointer leaves).
+    void rowHighlighted(int row);
+    // The list went away, with or without a choice.
+    void listHidden();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -28,6 +33,7 @@ protected:
     void leaveEvent(QEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void setOffset(int o);

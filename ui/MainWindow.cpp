@@ -102,6 +102,7 @@ MainWindow::MainWindow(const QString& styleSheetText, QWidget* parent) : QMainWi
     setCentralWidget(central);
 
     buildToolPanel();
+    buildPreviews();
     trayArea = new QWidget(central);
     trayArea->setObjectName(QStringLiteral("trayArea"));
     trayArea->setAttribute(Qt::WA_StyledBackground, true);
@@ -761,7 +762,7 @@ void MainWindow::menuTriggered(QAction* act)
         QDir().mkpath(folder);
         QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
     } else if (t == "Quicklook Presets" || t == "Quicklook Presets (Append)") {
-        // The quicklook chooser comes with the previews.
+        openQuicklook(t == "Quicklook Presets (Append)");
     } else if (t == "Toggle Original") {
         previewButtonPressed();
     } else if (t == "Next Preset") {
@@ -1150,13 +1151,9 @@ void MainWindow::onEmptyClick()
 // Parts of the window that arrive with their own subsystems: plug-in hand-back, tools, the render
 // queue, previews, the tray and its controls, the video shuttle.
 void MainWindow::previewProcessorTimerFired() {}
-void MainWindow::controlHovered(QWidget*) {}
 void MainWindow::shuttleControlAdjusted() {}
 void MainWindow::setShuttleInPoint() {}
 void MainWindow::setShuttleOutPoint() {}
-void MainWindow::imageModHovered(ImageMod*) {}
-void MainWindow::filterPreviewChosen(QString) {}
-void MainWindow::previewSectionEnabled(int, QString, bool) {}
 void MainWindow::onImageRepositioned() {}
 void MainWindow::videoShuttleUpdateRequest(VideoLoaderSaverTime) {}
 void MainWindow::previewButtonPressed() {}

@@ -1,4 +1,5 @@
 #pragma once
+#include "core/FlexImage.h"
 #include "core/ModCatalogue.h"
 #include "ui/MVDocument.h"
 
@@ -36,6 +37,9 @@ class SaveSizeWindow;
 class MVRenderQueueWindow;
 class XmlPreferencesWindow;
 class TrayWidget;
+class MVPreviewPanel;
+class MVPreviewChooser;
+class MVPreviewBaseBuilder;
 
 // The single top window and the switchboard of the program: it owns the documents and panels,
 // builds the menus (whose action texts are the keys of the dispatch) and places every child by
@@ -213,6 +217,45 @@ public:
     // The caches folder joined with "pluginreturnfilter.vnf".
     static QString pluginReturnFilterPath();
 
+    // --- previews: hover previews and the quicklook chooser (ui/MainWindowPreviews.cpp) ---
+    // The small version of the current photo from which previews start: the source with the
+    // crop applied, fitted into the picture area's pixels. Made on a thread of its own.
+    FlexImageFloat previewBase;
+    // Takes in a finished base, or starts one when the current viewer's base is stale, its size,
+    // crop or viewer changed. True when a new base was taken in.
+    bool refreshPreviewBase(int width, int height);
+    // True when previewBase stands for the current viewer at this size and crop.
+    bool previewBaseMatches(int width, int height);
+    // The pixel bound of the base: the current viewer's size less its margin, times the ratio.
+    QSize previewBaseBound() const;
+    // Wires the panel's hover signal and the base's timers; called once from the constructor.
+    void buildPreviews();
+    // "Quicklook Presets" and its append twin: the chooser over the picture area.
+    void openQuicklook(bool append);
+    // Lowers the hover preview and gives the viewer its list again.
+    void endHoverPreview();
+    MVPreviewPanel* previewPanel = nullptr;
+    QPointer<MVPreviewChooser> quicklook;
+    // Shared, so the window needs no full type of it where it is destroyed.
+    std::shared_ptr<MVPreviewBaseBuilder> previewBaseBuilder;
+    // The hover signal's append flag, for the hover it comes with.
+    bool hoverAppend = false;
+    const MVMediaWidget* previewBaseViewer = nullptr;
+    std::vector<std::unique_ptr<ImageMod>> previewBaseCrop;
+    QSize previewBaseSize;
+    // Bumped with each new base; the preview panel is handed a base only when it has an older one.
+    int previewBaseGeneration = 0;
+    // A build was started because the base no longer stands; cleared when its result comes in.
+    bool previewBaseOutdated = false;
+    int previewPanelGeneration = 0;
+    // While the base is made: a hover or a quicklook waiting for it, polled by previewBaseTimer.
+    QTimer* previewBaseTimer = nullptr;
+    ImageMod* hoverWaitingMod = nullptr;
+    int hoverWaitTicks = 0;
+    int quicklookWaiting = -1;
+    // Makes the base ahead of the first hover, once the viewer is idle.
+    QTimer* previewIdleTimer = nullptr;
+
     static constexpr int panelWidth = 224;
     static constexpr int trayHeight = 96;
     static constexpr int trayInset = 5;
@@ -248,7 +291,7 @@ public slots:
     void comIDButtonClicked(MVPanelItemBigButton* button);
     void deleteFavoriteClicked(MVPanelItemListButton* row);
     void imageModHovered(ImageMod* mod);
-    void filterPreviewChosen(QString name);
+    void filterPreviewChosen(ImageMod* mod, bool append);
     void previewSectionEnabled(int tabID, QString sectionName, bool enabled);
     void saveFavoriteFilterPrompt();
     void onEmptyClick();

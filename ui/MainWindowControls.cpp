@@ -42,6 +42,7 @@ void MainWindow::showControlsFor(ImageMod* mod)
             MultiData::global().setString(PrefKeys::kLastFont, family.toStdString());
             ImageModTextOverlay::setDefaultFontFamily(family.toStdString());
         });
+        connect(controlColumn, &MVControlColumn::hovered, this, &MainWindow::controlHovered);
         nodeControlAnimationTimer = new QTimer(this);
         nodeControlAnimationTimer->setInterval(kFadeInterval);
         connect(nodeControlAnimationTimer, &QTimer::timeout, this, &MainWindow::nodeControlAnimationTimerFired);

@@ -6,6 +6,7 @@
 #include "SampleScene.h"
 #include "StartupArt.h"
 #include "PanelArt.h"
+#include "PreviewArt.h"
 #include "TrayArt.h"
 #include "WindowArt.h"
 #include <QtCore/QDir>
@@ -101,6 +102,9 @@ int main(int argc, char** argv)
         {"tools_icon_presets", 16, 16, [](QPainter& p) { drawSectionIcon(p, "presets"); }},
         {"tools_icon_crop", 22, 22, [](QPainter& p) { drawToolButtonIcon(p, "crop"); }},
         {"tools_icon_heal", 22, 22, [](QPainter& p) { drawToolButtonIcon(p, "heal"); }},
+        // Quicklook chooser.
+        {"preview_chooser_collapse", 12, 12, [](QPainter& p) { drawPreviewChooserCollapse(p, true); }},
+        {"preview_chooser_uncollapse", 12, 12, [](QPainter& p) { drawPreviewChooserCollapse(p, false); }},
     };
     bool ok = true;
     for (const Artwork& a : artworks) {
