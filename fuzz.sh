@@ -2,7 +2,7 @@
 # Builds one libFuzzer target with clang, AddressSanitizer and UndefinedBehaviorSanitizer in
 # build-fuzz/ and runs it for SECONDS on a copy of its seed corpus.
 #   ./fuzz.sh TARGET SECONDS     e.g. ./fuzz.sh xml 60
-# Targets: xml filter archive cube native_image tone_curve prefs (seeds in fuzz/corpus/TARGET/).
+# Targets: xml filter archive cube native_image tone_curve prefs media (seeds in fuzz/corpus/TARGET/).
 # Findings land in build-fuzz/findings/TARGET/; the growing corpus in build-fuzz/corpus/TARGET/.
 set -euo pipefail
 cd "$(dirname "$0")"
