@@ -1,6 +1,7 @@
 #include "desktop_only/MediaCodec.h"
 
 #include "core/FlexImage.h"
+#include "core/SafeFileWriter.h"
 #include "media/ColorTransformSet.h"
 #include "media/CompactImage.h"
 #include "media/LargeBuffer.h"
@@ -403,25 +404,6 @@ MediaCodecStatus decodeMediaFile(const std::string& path, MediaDecoded& out, boo
 
 namespace {
 
-// A unique, empty file beside the target, keeping the target's extension for the writers.
-std::string makeTemporaryBeside(const std::string& target)
-{
-    const std::string ext = mediaPathExtension(target);
-    const size_t slash = target.find_last_of('/');
-    const std::string dir = slash == std::string::npos ? std::string(".") : target.substr(0, slash);
-    std::string name = dir + "/.vantrel-save-XXXXXX." + ext;
-    std::vector<char> buf(name.begin(), name.end());
-    buf.push_back('\0');
-    const int fd = mkstemps(buf.data(), int(ext.size() + 1));
-    if (fd < 0)
-        return {};
-    // The saved file gets the mode of the one it replaces, else the usual one for documents.
-    struct stat st;
-    fchmod(fd, ::stat(target.c_str(), &st) == 0 ? (st.st_mode & 07777) : 0644);
-    ::close(fd);
-    return std::string(buf.data());
-}
-
 // The JPEG writer of OpenImageIO 2.4 garbles the last segment of a profile that needs many APP2
 // segments, so JPEG profiles are written here instead.
 bool profileGoesThroughExiv2(const std::string& path)
@@ -504,9 +486,11 @@ bool encodeMediaFile(const MediaEncodeRequest& req)
 {
     if (!req.image || req.image->isEmpty() || (req.image->channels != 3 && req.image->channels != 4))
         return false;
-    const std::string tmp = makeTemporaryBeside(req.path);
-    if (tmp.empty())
+    // The writers go by the extension, so the temporary file keeps it.
+    SafeFileWriter file;
+    if (!file.open(req.path, "." + mediaPathExtension(req.path)))
         return false;
+    const std::string tmp = file.temporaryPath();
     bool ok = false;
     try {
         const bool exivProfile = profileGoesThroughExiv2(req.path) && isRgbIccProfile(req.iccProfile);
@@ -515,9 +499,5 @@ bool encodeMediaFile(const MediaEncodeRequest& req)
     } catch (...) {
         ok = false;
     }
-    if (ok)
-        ok = std::rename(tmp.c_str(), req.path.c_str()) == 0;
-    if (!ok)
-        std::remove(tmp.c_str());
-    return ok;
+    return ok && file.commit(); // an uncommitted writer removes its temporary file
 }
