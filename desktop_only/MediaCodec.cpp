@@ -8,6 +8,7 @@
 #include "media/MediaFormats.h"
 #include "media/MediaMemoryCeiling.h"
 
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <exiv2/exiv2.hpp>
 #include <lcms2.h>
@@ -439,8 +440,12 @@ bool writeProperties(const std::string& path, const MediaProperties* properties,
     return true;
 }
 
-bool writePixels(const MediaEncodeRequest& req, const std::string& tmp)
+// Writers that take an I/O proxy encode into memory, and the bytes reach the disk through file:
+// the JPEG library ends the whole process when a write to its file fails (a full disk), and
+// here a failed write is just a failed save.
+bool writePixels(const MediaEncodeRequest& req, SafeFileWriter& file)
 {
+    const std::string& tmp = file.temporaryPath();
     const CompactImage& img = *req.image;
     auto out = OIIO::ImageOutput::create(req.path);
     if (!out) {
@@ -462,10 +467,15 @@ bool writePixels(const MediaEncodeRequest& req, const std::string& tmp)
         imageSpec.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, int(req.iccProfile.size())),
                        req.iccProfile.data());
     const OIIO::stride_t xstride = OIIO::stride_t(img.channels * img.bytesPerSample());
+    std::vector<unsigned char> encoded;
+    OIIO::Filesystem::IOVecOutput memory(encoded);
+    const bool inMemory = out->supports("ioproxy") && out->set_ioproxy(&memory);
     bool ok = out->open(tmp, imageSpec) && out->write_image(type, img.data, xstride);
     ok = out->close() && ok;
     if (!ok)
         OIIO::geterror();
+    if (ok && inMemory)
+        ok = file.write(encoded.data(), encoded.size());
     return ok;
 }
 
@@ -488,13 +498,15 @@ bool encodeMediaFile(const MediaEncodeRequest& req)
         return false;
     // The writers go by the extension, so the temporary file keeps it.
     SafeFileWriter file;
-    if (!file.open(req.path, "." + mediaPathExtension(req.path)))
+    std::string suffix = mediaPathExtension(req.path);
+    suffix.insert(suffix.begin(), '.');
+    if (!file.open(req.path, suffix))
         return false;
     const std::string tmp = file.temporaryPath();
     bool ok = false;
     try {
         const bool exivProfile = profileGoesThroughExiv2(req.path) && isRgbIccProfile(req.iccProfile);
-        ok = writePixels(req, tmp)
+        ok = writePixels(req, file)
             && writeProperties(tmp, req.properties, exivProfile ? req.iccProfile : std::vector<uint8_t>());
     } catch (...) {
         ok = false;

@@ -28,15 +28,15 @@ struct MemoryLimit {
     ~MemoryLimit() { unsetenv("VANTREL_MEMORY_LIMIT_MB"); }
 };
 
-struct Run {
+struct CliResult {
     int status = -1;
     std::string out, err;
 };
 
-Run cli(const std::vector<std::string>& args)
+CliResult cli(const std::vector<std::string>& args)
 {
     std::ostringstream out, err;
-    Run r;
+    CliResult r;
     r.status = runCli(args, out, err, false);
     r.out = out.str();
     r.err = err.str();
@@ -74,7 +74,7 @@ TEST(CliMemoryCeiling, BatchSkipsAndReportsThePhotoPastTheCeilingAndWritesTheOth
         MemoryLimit limit("20");
         for (const char* jobs : { "1", "2" }) {
             const std::string out = root + "/out" + jobs;
-            const Run r = cli({ "batch", "-f", root + "/look.vnf", "--jobs", jobs, root + "/in", out });
+            const CliResult r = cli({ "batch", "-f", root + "/look.vnf", "--jobs", jobs, root + "/in", out });
             EXPECT_EQ(r.status, kCliSomeFailed) << r.err;
             EXPECT_TRUE(exists(out + "/a_small_batch.jpg"));
             EXPECT_TRUE(exists(out + "/c_small_batch.jpg"));
@@ -85,13 +85,13 @@ TEST(CliMemoryCeiling, BatchSkipsAndReportsThePhotoPastTheCeilingAndWritesTheOth
             EXPECT_EQ(r.err.find("a_small"), std::string::npos) << r.err;
         }
         // One file on its own: refused, nothing written.
-        const Run one = cli({ "render", "-f", root + "/look.vnf", root + "/in/b_large.tif", "-o", root + "/one.jpg" });
+        const CliResult one = cli({ "render", "-f", root + "/look.vnf", root + "/in/b_large.tif", "-o", root + "/one.jpg" });
         EXPECT_NE(one.status, kCliOk);
         EXPECT_NE(one.err.find("too large"), std::string::npos) << one.err;
         EXPECT_FALSE(exists(root + "/one.jpg"));
     }
     // Without the ceiling the large photo goes through.
-    const Run r = cli({ "batch", "-f", root + "/look.vnf", root + "/in", root + "/outAll" });
+    const CliResult r = cli({ "batch", "-f", root + "/look.vnf", root + "/in", root + "/outAll" });
     EXPECT_EQ(r.status, kCliOk) << r.err;
     EXPECT_TRUE(exists(root + "/outAll/b_large_batch.jpg"));
 }

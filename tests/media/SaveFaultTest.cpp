@@ -114,7 +114,7 @@ TEST(SaveFaultChild, SavesInALoopUntilKilled)
 
 TEST(SaveFault, KillDuringASaveLeavesTheOldOrTheNewFileAndAtMostOneStray)
 {
-    for (const char* name : { "photo.png", "photo.jpg", "photo.vni" }) {
+    for (const char* name : { "photo.jpg", "photo.vni" }) {
         SCOPED_TRACE(name);
         Folder folder;
         const std::string target = folder.path(name);
@@ -126,9 +126,9 @@ TEST(SaveFault, KillDuringASaveLeavesTheOldOrTheNewFileAndAtMostOneStray)
         }
         ASSERT_NE(refs[0], refs[1]);
         int strays = 0;
-        for (int round = 0; round < 6; ++round) {
+        for (int round = 0; round < 4; ++round) {
             ASSERT_TRUE(fault::killDuringSaves("SaveFaultChild.SavesInALoopUntilKilled", target,
-                                               std::chrono::milliseconds(15 + 37 * round)));
+                                               std::chrono::milliseconds(15 + 41 * round)));
             const std::string now = fault::slurp(target);
             EXPECT_TRUE(now == refs[0] || now == refs[1]) << "round " << round << ": a half file of "
                                                          << now.size() << " bytes";
