@@ -368,6 +368,52 @@ std::unique_ptr<MediaProperties> readPropertiesAndSize(const std::string& path, 
     }
 }
 
+// The frame size from a JPEG's SOF segment, walking the segments from the start; false when the
+// file is no JPEG or the walk finds no frame. Independent of the metadata reader, which gives up on
+// damaged EXIF, while the JPEG library would still set up a progressive frame of any size (for a
+// forged 64250 x 64250 header, gigabytes of coefficient buffers) before we could look at it.
+bool jpegFrameSize(const std::string& path, int64_t& width, int64_t& height)
+{
+    std::FILE* f = std::fopen(path.c_str(), "rb");
+    if (!f)
+        return false;
+    bool found = false;
+    uint8_t b[9];
+    if (std::fread(b, 1, 2, f) == 2 && b[0] == 0xFF && b[1] == 0xD8) {
+        for (int segments = 0; segments < 4096; ++segments) {
+            if (std::fread(b, 1, 2, f) != 2 || b[0] != 0xFF)
+                break;
+            const uint8_t marker = b[1];
+            if (marker == 0xFF) { // fill byte: the marker follows
+                std::fseek(f, -1, SEEK_CUR);
+                continue;
+            }
+            if (marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
+                continue; // no length
+            if (marker == 0xD9 || marker == 0xDA)
+                break; // end or scan data before any frame
+            if (std::fread(b, 1, 2, f) != 2)
+                break;
+            const long length = long(b[0]) << 8 | b[1];
+            if (length < 2)
+                break;
+            const bool frame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+            if (frame) {
+                if (std::fread(b, 1, 5, f) == 5) {
+                    height = int64_t(b[1]) << 8 | b[2];
+                    width = int64_t(b[3]) << 8 | b[4];
+                    found = true;
+                }
+                break;
+            }
+            if (std::fseek(f, length - 2, SEEK_CUR) != 0)
+                break;
+        }
+    }
+    std::fclose(f);
+    return found;
+}
+
 bool isHeifPath(const std::string& path)
 {
     const std::string ext = mediaPathExtension(path);
@@ -383,8 +429,13 @@ MediaCodecStatus decodeMediaFile(const std::string& path, MediaDecoded& out, boo
     int64_t headerWidth = 0, headerHeight = 0;
     std::unique_ptr<MediaProperties> props =
         readerTurns ? nullptr : readPropertiesAndSize(path, headerWidth, headerHeight);
-    if (headerWidth > 0 && headerHeight > 0 &&
-        (!FlexImageFloat::sizeFits(headerWidth, headerHeight, 4) || !mediaSizeWithinMemoryCeiling(headerWidth, headerHeight)))
+    const auto tooLarge = [](int64_t w, int64_t h) {
+        return w > 0 && h > 0 && (!FlexImageFloat::sizeFits(w, h, 4) || !mediaSizeWithinMemoryCeiling(w, h));
+    };
+    if (tooLarge(headerWidth, headerHeight))
+        return MediaCodecStatus::TooLarge;
+    int64_t frameWidth = 0, frameHeight = 0;
+    if (jpegFrameSize(path, frameWidth, frameHeight) && tooLarge(frameWidth, frameHeight))
         return MediaCodecStatus::TooLarge;
     MediaCodecStatus status = MediaCodecStatus::CantOpen;
     try {
