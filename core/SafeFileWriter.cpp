@@ -68,7 +68,16 @@ bool SafeFileWriter::open(const std::string& target, const std::string& suffix)
     failed_ = false;
     if (target.empty() || target.back() == '/')
         return false;
-    const std::string folder = folderOf(target);
+    // A link is kept and the file it points at replaced (linked dotfiles stay linked).
+    std::string resolved = target;
+    struct stat link;
+    if (::lstat(target.c_str(), &link) == 0 && S_ISLNK(link.st_mode)) {
+        if (char* real = ::realpath(target.c_str(), nullptr)) {
+            resolved = real;
+            std::free(real);
+        }
+    }
+    const std::string folder = folderOf(resolved);
     removeStrayTemporaries(folder);
     std::string name = folder + "/" + kPrefix + std::to_string(long(::getpid())) + "-XXXXXX" + suffix;
     std::vector<char> buf(name.begin(), name.end());
@@ -77,9 +86,9 @@ bool SafeFileWriter::open(const std::string& target, const std::string& suffix)
     if (fd < 0)
         return false;
     struct stat st;
-    ::fchmod(fd, ::stat(target.c_str(), &st) == 0 ? (st.st_mode & 07777) : 0644);
+    ::fchmod(fd, ::stat(resolved.c_str(), &st) == 0 ? (st.st_mode & 07777) : 0644);
     fd_ = fd;
-    target_ = target;
+    target_ = resolved;
     temporary_ = buf.data();
     return true;
 }

@@ -178,6 +178,14 @@ TEST(WriteFault, WriterKeepsTheModeOfTheFileItReplacesAndCancelsCleanly)
     struct stat st;
     ASSERT_EQ(stat(path.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0600u);
+    // Through a link the linked file is replaced and the link stays.
+    const std::string link = folder.path("link.xml");
+    ASSERT_EQ(symlink(path.c_str(), link.c_str()), 0);
+    ASSERT_TRUE(SafeFileWriter::writeWhole(link, "via link", 8));
+    struct stat ls;
+    ASSERT_EQ(lstat(link.c_str(), &ls), 0);
+    EXPECT_TRUE(S_ISLNK(ls.st_mode));
+    EXPECT_EQ(fault::slurp(path), "via link");
     // A target in a folder that does not exist fails and makes nothing.
     EXPECT_FALSE(SafeFileWriter::writeWhole(folder.path("missing/x.xml"), "x", 1));
     EXPECT_FALSE(SafeFileWriter::writeWhole(folder.root() + "/", "x", 1));
