@@ -11,7 +11,11 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 build=${1:-build-bench}
-testdata=${VANTREL_TESTDATA:-$PWD/../shared/testdata}
+testdata=${VANTREL_TESTDATA:-}
+if [ -z "$testdata" ] && [ -f "$build/CMakeCache.txt" ]; then
+  testdata=$(sed -n 's/^VANTREL_TESTDATA:PATH=//p' "$build/CMakeCache.txt")
+fi
+testdata=${testdata:-$PWD/../shared/testdata}
 photo=${VANTREL_SOAK_PHOTO:-$testdata/olympus_em1_forest_1920x1080.jpg}
 [ -f "$photo" ] || { echo "no photo at $photo (set VANTREL_SOAK_PHOTO)"; exit 2; }
 if [ ! -f "$build/CMakeCache.txt" ]; then
