@@ -381,14 +381,17 @@ bool jpegFrameSize(const std::string& path, int64_t& width, int64_t& height)
     uint8_t b[9];
     if (std::fread(b, 1, 2, f) == 2 && b[0] == 0xFF && b[1] == 0xD8) {
         for (int segments = 0; segments < 4096; ++segments) {
-            if (std::fread(b, 1, 2, f) != 2 || b[0] != 0xFF)
+            // Like the JPEG library, skip stray bytes up to the next marker: a wrong segment
+            // length does not stop it from finding the frame.
+            int c = std::fgetc(f);
+            while (c != EOF && c != 0xFF)
+                c = std::fgetc(f);
+            while (c == 0xFF) // fill bytes
+                c = std::fgetc(f);
+            if (c == EOF)
                 break;
-            const uint8_t marker = b[1];
-            if (marker == 0xFF) { // fill byte: the marker follows
-                std::fseek(f, -1, SEEK_CUR);
-                continue;
-            }
-            if (marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
+            const uint8_t marker = uint8_t(c);
+            if (marker == 0x00 || marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
                 continue; // no length
             if (marker == 0xD9 || marker == 0xDA)
                 break; // end or scan data before any frame

@@ -14,7 +14,7 @@
 namespace {
 
 // Our own small JPEG with its frame made progressive and w x h, and a damaged EXIF block first.
-std::string forgedJpeg(const std::string& folder, uint16_t w, uint16_t h)
+std::string forgedJpeg(const std::string& folder, uint16_t w, uint16_t h, bool shortTable = false)
 {
     FlexImageFloat img(16, 8, 3);
     for (int64_t i = 0; i < img.sampleCount(); ++i)
@@ -27,6 +27,11 @@ std::string forgedJpeg(const std::string& folder, uint16_t w, uint16_t h)
     if (sof == std::string::npos || sof + 9 > bytes.size())
         return {};
     bytes[sof + 1] = char(0xC2);
+    // A table segment that claims 5 bytes fewer than it holds: the JPEG library skips the stray
+    // bytes to the next marker and still finds the frame.
+    const size_t dqt = bytes.find("\xff\xdb", 2);
+    if (shortTable && dqt != std::string::npos && dqt < sof)
+        bytes[dqt + 3] = char(uint8_t(bytes[dqt + 3]) - 5);
     bytes[sof + 5] = char(h >> 8);
     bytes[sof + 6] = char(h & 0xff);
     bytes[sof + 7] = char(w >> 8);
@@ -62,6 +67,14 @@ TEST(ForgedHeader, HugeProgressiveJpegBehindDamagedExifIsRefusedAsTooLarge)
     EXPECT_EQ(image.height, 2);
     // Refused from the header: far below what filling the buffers takes under the sanitizers.
     EXPECT_LT(seconds, 5.0);
+
+    // With a wrong table length in front of the frame (the second fuzz finding).
+    fault::spill(path, forgedJpeg(folder, 64250, 64250, true));
+    status = MediaLoadStatus::Ok;
+    const auto again = std::chrono::steady_clock::now();
+    EXPECT_FALSE(LoadMediaFile(image, path, &info, &status));
+    EXPECT_EQ(status, MediaLoadStatus::TooLarge);
+    EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - again).count(), 5.0);
 
     // The same forgery at a size within the ceiling is not refused for its size.
     fault::spill(path, forgedJpeg(folder, 64, 32));
