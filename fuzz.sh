@@ -28,5 +28,7 @@ findings=$dir/findings/$target
 mkdir -p "$corpus" "$findings"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+# The same leaks of system libraries the sanitizer suite ignores (OpenImageIO keeps error strings).
+export LSAN_OPTIONS=suppressions=$PWD/scripts/lsan.supp
 exec "$dir/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
   -max_len=65536 -artifact_prefix="$findings/" -print_final_stats=1 "$corpus" "$seeds"
