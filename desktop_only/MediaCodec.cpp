@@ -1,12 +1,14 @@
 #include "desktop_only/MediaCodec.h"
 
 #include "core/FlexImage.h"
+#include "core/SafeFileWriter.h"
 #include "media/ColorTransformSet.h"
 #include "media/CompactImage.h"
 #include "media/LargeBuffer.h"
 #include "media/MediaFormats.h"
 #include "media/MediaMemoryCeiling.h"
 
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <exiv2/exiv2.hpp>
 #include <lcms2.h>
@@ -366,6 +368,55 @@ std::unique_ptr<MediaProperties> readPropertiesAndSize(const std::string& path, 
     }
 }
 
+// The frame size from a JPEG's SOF segment, walking the segments from the start; false when the
+// file is no JPEG or the walk finds no frame. Independent of the metadata reader, which gives up on
+// damaged EXIF, while the JPEG library would still set up a progressive frame of any size (for a
+// forged 64250 x 64250 header, gigabytes of coefficient buffers) before we could look at it.
+bool jpegFrameSize(const std::string& path, int64_t& width, int64_t& height)
+{
+    std::FILE* f = std::fopen(path.c_str(), "rb");
+    if (!f)
+        return false;
+    bool found = false;
+    uint8_t b[9];
+    if (std::fread(b, 1, 2, f) == 2 && b[0] == 0xFF && b[1] == 0xD8) {
+        for (int segments = 0; segments < 4096; ++segments) {
+            // Like the JPEG library, skip stray bytes up to the next marker: a wrong segment
+            // length does not stop it from finding the frame.
+            int c = std::fgetc(f);
+            while (c != EOF && c != 0xFF)
+                c = std::fgetc(f);
+            while (c == 0xFF) // fill bytes
+                c = std::fgetc(f);
+            if (c == EOF)
+                break;
+            const uint8_t marker = uint8_t(c);
+            if (marker == 0x00 || marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
+                continue; // no length
+            if (marker == 0xD9 || marker == 0xDA)
+                break; // end or scan data before any frame
+            if (std::fread(b, 1, 2, f) != 2)
+                break;
+            const long length = long(b[0]) << 8 | b[1];
+            if (length < 2)
+                break;
+            const bool frame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+            if (frame) {
+                if (std::fread(b, 1, 5, f) == 5) {
+                    height = int64_t(b[1]) << 8 | b[2];
+                    width = int64_t(b[3]) << 8 | b[4];
+                    found = true;
+                }
+                break;
+            }
+            if (std::fseek(f, length - 2, SEEK_CUR) != 0)
+                break;
+        }
+    }
+    std::fclose(f);
+    return found;
+}
+
 bool isHeifPath(const std::string& path)
 {
     const std::string ext = mediaPathExtension(path);
@@ -381,8 +432,13 @@ MediaCodecStatus decodeMediaFile(const std::string& path, MediaDecoded& out, boo
     int64_t headerWidth = 0, headerHeight = 0;
     std::unique_ptr<MediaProperties> props =
         readerTurns ? nullptr : readPropertiesAndSize(path, headerWidth, headerHeight);
-    if (headerWidth > 0 && headerHeight > 0 &&
-        (!FlexImageFloat::sizeFits(headerWidth, headerHeight, 4) || !mediaSizeWithinMemoryCeiling(headerWidth, headerHeight)))
+    const auto tooLarge = [](int64_t w, int64_t h) {
+        return w > 0 && h > 0 && (!FlexImageFloat::sizeFits(w, h, 4) || !mediaSizeWithinMemoryCeiling(w, h));
+    };
+    if (tooLarge(headerWidth, headerHeight))
+        return MediaCodecStatus::TooLarge;
+    int64_t frameWidth = 0, frameHeight = 0;
+    if (jpegFrameSize(path, frameWidth, frameHeight) && tooLarge(frameWidth, frameHeight))
         return MediaCodecStatus::TooLarge;
     MediaCodecStatus status = MediaCodecStatus::CantOpen;
     try {
@@ -402,25 +458,6 @@ MediaCodecStatus decodeMediaFile(const std::string& path, MediaDecoded& out, boo
 }
 
 namespace {
-
-// A unique, empty file beside the target, keeping the target's extension for the writers.
-std::string makeTemporaryBeside(const std::string& target)
-{
-    const std::string ext = mediaPathExtension(target);
-    const size_t slash = target.find_last_of('/');
-    const std::string dir = slash == std::string::npos ? std::string(".") : target.substr(0, slash);
-    std::string name = dir + "/.vantrel-save-XXXXXX." + ext;
-    std::vector<char> buf(name.begin(), name.end());
-    buf.push_back('\0');
-    const int fd = mkstemps(buf.data(), int(ext.size() + 1));
-    if (fd < 0)
-        return {};
-    // The saved file gets the mode of the one it replaces, else the usual one for documents.
-    struct stat st;
-    fchmod(fd, ::stat(target.c_str(), &st) == 0 ? (st.st_mode & 07777) : 0644);
-    ::close(fd);
-    return std::string(buf.data());
-}
 
 // The JPEG writer of OpenImageIO 2.4 garbles the last segment of a profile that needs many APP2
 // segments, so JPEG profiles are written here instead.
@@ -457,8 +494,12 @@ bool writeProperties(const std::string& path, const MediaProperties* properties,
     return true;
 }
 
-bool writePixels(const MediaEncodeRequest& req, const std::string& tmp)
+// Writers that take an I/O proxy encode into memory, and the bytes reach the disk through file:
+// the JPEG library ends the whole process when a write to its file fails (a full disk), and
+// here a failed write is just a failed save.
+bool writePixels(const MediaEncodeRequest& req, SafeFileWriter& file)
 {
+    const std::string& tmp = file.temporaryPath();
     const CompactImage& img = *req.image;
     auto out = OIIO::ImageOutput::create(req.path);
     if (!out) {
@@ -480,10 +521,15 @@ bool writePixels(const MediaEncodeRequest& req, const std::string& tmp)
         imageSpec.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, int(req.iccProfile.size())),
                        req.iccProfile.data());
     const OIIO::stride_t xstride = OIIO::stride_t(img.channels * img.bytesPerSample());
+    std::vector<unsigned char> encoded;
+    OIIO::Filesystem::IOVecOutput memory(encoded);
+    const bool inMemory = out->supports("ioproxy") && out->set_ioproxy(&memory);
     bool ok = out->open(tmp, imageSpec) && out->write_image(type, img.data, xstride);
     ok = out->close() && ok;
     if (!ok)
         OIIO::geterror();
+    if (ok && inMemory)
+        ok = file.write(encoded.data(), encoded.size());
     return ok;
 }
 
@@ -504,20 +550,20 @@ bool encodeMediaFile(const MediaEncodeRequest& req)
 {
     if (!req.image || req.image->isEmpty() || (req.image->channels != 3 && req.image->channels != 4))
         return false;
-    const std::string tmp = makeTemporaryBeside(req.path);
-    if (tmp.empty())
+    // The writers go by the extension, so the temporary file keeps it.
+    SafeFileWriter file;
+    std::string suffix = mediaPathExtension(req.path);
+    suffix.insert(suffix.begin(), '.');
+    if (!file.open(req.path, suffix))
         return false;
+    const std::string tmp = file.temporaryPath();
     bool ok = false;
     try {
         const bool exivProfile = profileGoesThroughExiv2(req.path) && isRgbIccProfile(req.iccProfile);
-        ok = writePixels(req, tmp)
+        ok = writePixels(req, file)
             && writeProperties(tmp, req.properties, exivProfile ? req.iccProfile : std::vector<uint8_t>());
     } catch (...) {
         ok = false;
     }
-    if (ok)
-        ok = std::rename(tmp.c_str(), req.path.c_str()) == 0;
-    if (!ok)
-        std::remove(tmp.c_str());
-    return ok;
+    return ok && file.commit(); // an uncommitted writer removes its temporary file
 }

@@ -92,15 +92,15 @@ bool saveRenderedMediaFile(const FlexImageFloat& rendered, const LoadedMediaInfo
 }
 
 bool SaveMediaFile(const MediaSaveRenderer& renderer, const LoadedMediaInfo& info, const std::string& path,
-                   int32_t width, int32_t height, float quality)
+                   int32_t width, int32_t height, float quality, MediaLoadStatus* status)
 {
     if (!renderer.renderFullSize)
-        return false;
+        return fail(status, MediaLoadStatus::WriteFailed);
     if (renderer.recordPath)
         renderer.recordPath(path);
     FlexImageFloat rendered(1, 1, 4);
     if (!renderer.renderFullSize(rendered, width, height) || rendered.isEmpty())
-        return false;
+        return fail(status, MediaLoadStatus::WriteFailed);
     LoadedMediaInfo out = info;
     std::vector<uint8_t> icc;
     ColorSpaceKind kind = ColorSpaceKind::None;
@@ -108,5 +108,9 @@ bool SaveMediaFile(const MediaSaveRenderer& renderer, const LoadedMediaInfo& inf
         out.iccProfile = icc;
         out.colorSpaceKind = kind;
     }
-    return saveRenderedMediaFile(rendered, out, path, quality);
+    if (!saveRenderedMediaFile(rendered, out, path, quality))
+        return fail(status, MediaLoadStatus::WriteFailed);
+    if (status)
+        *status = MediaLoadStatus::Ok;
+    return true;
 }

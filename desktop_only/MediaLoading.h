@@ -40,5 +40,6 @@ struct MediaSaveRenderer {
     std::function<bool(std::vector<uint8_t>& icc, ColorSpaceKind& kind)> outputProfile;
 };
 
+// On failure status says WriteFailed ("Processing Error") and any file at path is left as it was.
 bool SaveMediaFile(const MediaSaveRenderer& renderer, const LoadedMediaInfo& info, const std::string& path,
-                   int32_t width, int32_t height, float quality);
+                   int32_t width, int32_t height, float quality, MediaLoadStatus* status = nullptr);

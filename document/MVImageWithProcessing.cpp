@@ -85,9 +85,6 @@ void MVImageWithProcessing::processingThread(MVImageWithProcessing* w, std::vect
                 w->resultImage = std::make_unique<QImage>(ww, wh, QImage::Format_ARGB32);
             w->resultImage->fill(Qt::black);
             copyContentsIntoQtImage(*w->workingImage, *w->resultImage, 0, 0, nullptr);
-            std::printf("processing with size %i %i from source %i %i QImage %i %i\n", ww, wh,
-                        w->sourceImage->width, w->sourceImage->height, w->resultImage->width(),
-                        w->resultImage->height());
             w->state = 3;
         }
     }

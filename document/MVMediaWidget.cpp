@@ -95,7 +95,8 @@ MVMediaWidget::~MVMediaWidget()
     updateDisplayTimer.stop();
     hiResTimer.stop();
     // A pass under way still uses the images; wait for it to hand the worker back. The worker
-    // hands it back while it still holds stateMutex, so wait for that lock too before it goes.
+    // hands it back while it still holds the state lock and unlocks after: take that lock once
+    // too, or the mutex could be destroyed under the worker's unlock.
     workerBusy.acquire();
     { std::lock_guard<std::mutex> lock(stateMutex); }
     workerBusy.release();

@@ -1,11 +1,12 @@
 #include "filters/MultiData.h"
 
+#include "core/SafeFileWriter.h"
+
 #include "filters/TextNumbers.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace {
@@ -316,17 +317,9 @@ bool MultiData::writeFile(const std::string& path) const
     if (!QDir().mkpath(info.absolutePath()))
         return false;
     const std::string bytes = toText();
-    // QSaveFile writes a temporary file in the target's folder and renames it over the target
-    // on commit only; on any failure the temporary file is removed and the target stays.
-    QSaveFile out(qpath);
-    if (!out.open(QIODevice::WriteOnly))
-        return false;
-    if (out.write(bytes.data(), qint64(bytes.size())) != qint64(bytes.size())) {
-        out.cancelWriting();
-        out.commit();
-        return false;
-    }
-    return out.commit();
+    // The new file is renamed over the old one only once it is complete: a failure or a kill
+    // leaves the former preferences.
+    return SafeFileWriter::writeWhole(path, bytes.data(), bytes.size());
 }
 
 std::string dataFolder()

@@ -1,5 +1,7 @@
 #include "filters/XmlNode.h"
 
+#include "core/SafeFileWriter.h"
+
 #include <cstddef>
 #include <cstdio>
 #include <utility>
@@ -270,11 +272,7 @@ std::string XmlNode::toText() const
 
 bool XmlNode::writeFile(const std::string& path) const
 {
-    std::FILE* f = std::fopen(path.c_str(), "w");
-    if (!f)
-        return false;
+    // Filter files and presets are replaced whole: a full disk or a kill mid-write keeps the old one.
     const std::string bytes = toText();
-    std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-    return true;
+    return SafeFileWriter::writeWhole(path, bytes.data(), bytes.size());
 }

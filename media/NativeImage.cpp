@@ -1,11 +1,11 @@
 #include "media/NativeImage.h"
 
+#include "core/SafeFileWriter.h"
 #include "media/CompactImage.h"
 #include "media/MediaMemoryCeiling.h"
 #include "media/MediaPixelCopy.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QString>
 
@@ -41,24 +41,20 @@ bool writeFile(const std::string& path, int32_t width, int32_t height, FillRow f
 {
     if (width < 0 || height < 0)
         return false;
-    QSaveFile file(QString::fromStdString(path));
-    if (!file.open(QIODevice::WriteOnly))
+    SafeFileWriter file;
+    if (!file.open(path, ".vni"))
         return false;
     uint8_t header[kHeaderSize];
     std::memcpy(header, kMagic, sizeof kMagic);
     putLE32(header + 12, uint32_t(width));
     putLE32(header + 16, uint32_t(height));
-    bool ok = file.write(reinterpret_cast<const char*>(header), kHeaderSize) == kHeaderSize;
+    bool ok = file.write(header, kHeaderSize);
     std::vector<uint8_t> row(size_t(width) * 4);
     for (int32_t y = 0; ok && y < height; ++y) {
         fillRow(y, row.data());
-        ok = file.write(reinterpret_cast<const char*>(row.data()), qint64(row.size())) == qint64(row.size());
+        ok = file.write(row.data(), row.size());
     }
-    if (!ok) {
-        file.cancelWriting();
-        return false;
-    }
-    return file.commit();
+    return ok && file.commit(); // an uncommitted writer removes its temporary file
 }
 
 template <typename T>
