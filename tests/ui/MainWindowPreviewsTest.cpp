@@ -439,6 +439,7 @@ private slots:
         MVPreviewChooserItem* cell = nullptr;
         const FileFilter* preset = nullptr;
         QStringList expected;
+        QString presetName;
         for (int i = chooser->thumbnailCount() - 1; i >= 0 && !cell; --i) {
             const auto* p = dynamic_cast<const FileFilter*>(chooser->item(i)->preset());
             QStringList kids;
@@ -448,6 +449,8 @@ private slots:
             if (p && !kids.isEmpty() && !kids.contains(QStringLiteral("Vignette"))) {
                 cell = chooser->item(i);
                 preset = p;
+                // The chooser and its presets are gone once a cell is clicked: keep the name.
+                presetName = QString::fromStdString(p->name);
                 expected = kids;
             }
         }
@@ -460,7 +463,7 @@ private slots:
         expected.sort();
         QCOMPARE(got, expected);
         QCOMPARE(win.tray().undoStack()->undoCount(), undo0 + 1);
-        QCOMPARE(win.tray().filterName, QString::fromStdString(preset->name));
+        QCOMPARE(win.tray().filterName, presetName);
 
         win.tray().undo();
         QCOMPARE(names(win.tray()), QStringList({"Vignette"}));
