@@ -41,6 +41,13 @@ QSize sourceSize(MVMediaWidget* v)
 
 } // namespace
 
+// The window every case starts from: the test photo loaded and its first pass on screen.
+static bool openPhoto(MainWindow& w)
+{
+    w.resize(1200, 800);
+    return w.loadFile(kPhoto) && settle(w);
+}
+
 class MainWindowToolsTest : public QObject
 {
     Q_OBJECT
@@ -74,9 +81,7 @@ private slots:
     void cropIsHandedToTheDocumentAsOneUndoStep()
     {
         MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        QVERIFY(w.loadFile(kPhoto));
-        QVERIFY(settle(w));
+        QVERIFY(openPhoto(w));
         TrayWidget* tray = w.currentTray();
         QVERIFY(tray);
         MVMediaWidget* viewer = w.currentViewer();
@@ -115,9 +120,7 @@ private slots:
     void spotHealStepsJoinTheDocumentsHistory()
     {
         MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        QVERIFY(w.loadFile(kPhoto));
-        QVERIFY(settle(w));
+        QVERIFY(openPhoto(w));
         TrayWidget* tray = w.currentTray();
         MVMediaWidget* viewer = w.currentViewer();
         w.startTool(1);
@@ -155,9 +158,7 @@ private slots:
     void quarterTurnsAreUndoableAndCarryTheCrop()
     {
         MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        QVERIFY(w.loadFile(kPhoto));
-        QVERIFY(settle(w));
+        QVERIFY(openPhoto(w));
         TrayWidget* tray = w.currentTray();
         MVMediaWidget* viewer = w.currentViewer();
         const float corner = sourceAt(viewer, 0, 1079); // bottom-left comes to the top-left
@@ -185,9 +186,7 @@ private slots:
     void sizeTileLocksTheAspectAndRestsWhileTheToolRuns()
     {
         MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        QVERIFY(w.loadFile(kPhoto));
-        QVERIFY(settle(w));
+        QVERIFY(openPhoto(w));
         TrayWidget* tray = w.currentTray();
         ImageModAspectRatio aspect;
         aspect.variableAt(0)->asChoice()->index = aspect.variableAt(0)->asChoice()->indexOfLabel("Square");
@@ -211,9 +210,7 @@ private slots:
     void selectedTileGetsItsOnCanvasControl()
     {
         MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        QVERIFY(w.loadFile(kPhoto));
-        QVERIFY(settle(w));
+        QVERIFY(openPhoto(w));
         TrayWidget* tray = w.currentTray();
         ImageModVignette vignette;
         QVERIFY(tray->addMod(vignette) >= 0);
@@ -247,9 +244,7 @@ private slots:
     void loadingAnotherPhotoEndsTheTool()
     {
         MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        QVERIFY(w.loadFile(kPhoto));
-        QVERIFY(settle(w));
+        QVERIFY(openPhoto(w));
         w.startTool(1);
         QVERIFY(w.activeTool);
         QVERIFY(w.loadFile(kPhoto));
