@@ -13,6 +13,8 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -193,6 +195,7 @@ TEST(WriteFault, WriterKeepsTheModeOfTheFileItReplacesAndCancelsCleanly)
 
 // A presets folder the program can't write: saving says kWriteFailed (the tray shows "The preset
 // could not be written."), nothing half-made appears, and the library still lists and reads.
+// Root writes into read-only folders, so as root the checks run in a child that drops to nobody.
 TEST(WriteFault, UnwritablePresetsFolderFailsCleanlyAndTheLibraryKeepsWorking)
 {
     Folder folder;
@@ -201,14 +204,29 @@ TEST(WriteFault, UnwritablePresetsFolderFailsCleanlyAndTheLibraryKeepsWorking)
     const std::string group = lib.presetsFolder() + PresetLibrary::kMyPresets;
     const std::string before = fault::slurp(lib.presetPath("Evening"));
     chmod(group.c_str(), 0555);
-    if (access(group.c_str(), W_OK) == 0) {
-        chmod(group.c_str(), 0755);
-        GTEST_SKIP() << "this user writes into read-only folders (root); see the blocked-folder test";
+    auto unwritable = [&] {
+        EXPECT_EQ(lib.saveToPresets(bigPreset(1), "Evening", true), PresetLibrary::kWriteFailed);
+        EXPECT_EQ(lib.saveToPresets(bigPreset(1), "Morning", false), PresetLibrary::kWriteFailed);
+        EXPECT_EQ(fault::slurp(lib.presetPath("Evening")), before);
+        EXPECT_EQ(lib.presetsIn(PresetLibrary::kMyPresets), std::vector<std::string>{ "Evening.vnf" });
+    };
+    if (geteuid() != 0) {
+        unwritable();
+    } else {
+        chmod(folder.root().c_str(), 0755); // let nobody reach the folder
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            if (setgid(65534) != 0 || setuid(65534) != 0)
+                _exit(3);
+            unwritable();
+            _exit(::testing::Test::HasFailure() ? 1 : 0);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 0) << "the checks failed as user nobody (3: could not switch user)";
     }
-    EXPECT_EQ(lib.saveToPresets(bigPreset(1), "Evening", true), PresetLibrary::kWriteFailed);
-    EXPECT_EQ(lib.saveToPresets(bigPreset(1), "Morning", false), PresetLibrary::kWriteFailed);
-    EXPECT_EQ(fault::slurp(lib.presetPath("Evening")), before);
-    EXPECT_EQ(lib.presetsIn(PresetLibrary::kMyPresets), std::vector<std::string>{ "Evening.vnf" });
     chmod(group.c_str(), 0755);
     EXPECT_EQ(lib.saveToPresets(bigPreset(1), "Morning", false), PresetLibrary::kSaved);
 }
