@@ -94,125 +94,97 @@ void dragOnTileThree()
     EXPECT_EQ(countsOf(5), (std::vector<int>{5, 5, 5, 8, 8}));
 }
 
+// Counting tiles over an 8 x 8 gradient, through a caching runner into `work`.
+class CachedRunner : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        TestCountMod::resetCounts();
+        fillGradient(img);
+    }
+    void run() { runner.run(list.raw(), &img, &work, -1, 0, nullptr); }
+    void setAmount(size_t tile, float amount) { static_cast<TestCountMod*>(list.tiles[tile].get())->setAmount(amount); }
+    // n tiles run once, then tile `moved` changed and run again: the cache now holds the pixels
+    // after stage moved - 1. The counts start afresh.
+    void prime(int n, int moved)
+    {
+        for (int i = 0; i < n; ++i)
+            list.count(i);
+        run();
+        setAmount(size_t(moved), 3.0f);
+        run();
+        ASSERT_EQ(runner.currentCachedStage(), moved - 1);
+        TestCountMod::resetCounts();
+    }
+
+    TileList list;
+    FlexImageFloat img{8, 8, 3};
+    FlexImageFloat work{0, 0, 3};
+    ModSequenceRunner runner{true, false, 256, 0.5f};
+};
+
 } // namespace
 
 TEST(ModSequenceRunner, SliderDragRerunsOnlyTheChangedTileAndLater)
 {
     dragOnTileThree<FlexImageFloat>();
-}
-
-TEST(ModSequenceRunner, SliderDragAtEightBits)
-{
     dragOnTileThree<FlexImage8>();
 }
 
-TEST(ModSequenceRunner, FirstTileChangeClearsTheCache)
+TEST_F(CachedRunner, FirstTileChangeClearsTheCache)
 {
-    TestCountMod::resetCounts();
-    TileList list;
-    for (int i = 0; i < 4; ++i)
-        list.count(i);
-    FlexImageFloat img(16, 16, 3);
-    fillGradient(img);
-    ModSequenceRunner runner(true, false, 256, 0.5f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
-    static_cast<TestCountMod*>(list.tiles[2].get())->setAmount(3.0f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
-    ASSERT_EQ(runner.currentCachedStage(), 1);
-
-    TestCountMod::resetCounts();
-    static_cast<TestCountMod*>(list.tiles[0].get())->setAmount(5.0f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
+    ASSERT_NO_FATAL_FAILURE(prime(4, 2));
+    setAmount(0, 5.0f);
+    run();
     EXPECT_EQ(countsOf(4), (std::vector<int>{1, 1, 1, 1}));
     EXPECT_EQ(runner.currentCachedStage(), -1);
     EXPECT_EQ(runner.saveStage, -1);
 }
 
-TEST(ModSequenceRunner, UnchangedRepeatRestoresTheCache)
+TEST_F(CachedRunner, UnchangedRepeatRestoresTheCache)
 {
-    TestCountMod::resetCounts();
-    TileList list;
-    for (int i = 0; i < 4; ++i)
-        list.count(i, 2.0f);
-    FlexImageFloat source(12, 9, 3);
-    fillGradient(source);
-    FlexImageFloat work(0, 0, 3), expected(0, 0, 3);
-    ModSequenceRunner runner(true, false, 256, 0.5f);
-    runner.run(list.raw(), &source, &work, -1, 0, nullptr);
-    static_cast<TestCountMod*>(list.tiles[2].get())->setAmount(6.0f);
-    runner.run(list.raw(), &source, &work, -1, 0, nullptr);
-    ASSERT_EQ(runner.currentCachedStage(), 1);
-
-    TestCountMod::resetCounts();
-    runner.run(list.raw(), &source, &work, -1, 0, nullptr);
+    ASSERT_NO_FATAL_FAILURE(prime(4, 2));
+    run();
     EXPECT_EQ(countsOf(4), (std::vector<int>{0, 0, 1, 1}));
     EXPECT_EQ(runner.currentCachedStage(), 1);
     EXPECT_EQ(runner.saveStage, -1);
-    reference(list.raw(), source, expected);
+    FlexImageFloat expected(0, 0, 3);
+    reference(list.raw(), img, expected);
     EXPECT_TRUE(samePixels(work, expected));
 }
 
-TEST(ModSequenceRunner, RemovingALaterTileKeepsTheCache)
+TEST_F(CachedRunner, RemovingALaterTileKeepsTheCache)
 {
-    TestCountMod::resetCounts();
-    TileList list;
-    for (int i = 0; i < 5; ++i)
-        list.count(i);
-    FlexImageFloat img(8, 8, 3);
-    fillGradient(img);
-    FlexImageFloat work(0, 0, 3);
-    ModSequenceRunner runner(true, false, 256, 0.5f);
-    runner.run(list.raw(), &img, &work, -1, 0, nullptr);
-    static_cast<TestCountMod*>(list.tiles[2].get())->setAmount(4.0f);
-    runner.run(list.raw(), &img, &work, -1, 0, nullptr);
-    ASSERT_EQ(runner.currentCachedStage(), 1);
-
+    ASSERT_NO_FATAL_FAILURE(prime(5, 2));
     list.tiles.pop_back();
-    TestCountMod::resetCounts();
-    runner.run(list.raw(), &img, &work, -1, 0, nullptr);
+    run();
     EXPECT_EQ(countsOf(5), (std::vector<int>{0, 0, 1, 1, 0}));
     EXPECT_EQ(runner.currentCachedStage(), 1);
 }
 
-TEST(ModSequenceRunner, OneTileListStoresNoCache)
+TEST_F(CachedRunner, OneTileListStoresNoCache)
 {
-    TileList list;
-    TestCountMod* only = list.count(0);
-    FlexImageFloat img(8, 8, 3);
-    fillGradient(img);
-    ModSequenceRunner runner(true, false, 256, 0.5f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
-    only->setAmount(3.0f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
+    list.count(0);
+    run();
+    setAmount(0, 3.0f);
+    run();
     EXPECT_EQ(runner.saveStage, -1);
     EXPECT_EQ(runner.currentCachedStage(), -1);
     EXPECT_EQ(runner.cacheImage, nullptr);
 }
 
-TEST(ModSequenceRunner, BorderAddedOrChangedFlushes)
+TEST_F(CachedRunner, BorderAddedOrChangedFlushes)
 {
-    TestCountMod::resetCounts();
-    TileList list;
-    for (int i = 0; i < 4; ++i)
-        list.count(i);
-    FlexImageFloat img(8, 8, 3);
-    fillGradient(img);
-    ModSequenceRunner runner(true, false, 256, 0.5f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
-    static_cast<TestCountMod*>(list.tiles[3].get())->setAmount(2.0f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
-    ASSERT_EQ(runner.currentCachedStage(), 2);
-
+    ASSERT_NO_FATAL_FAILURE(prime(4, 3));
     TestBorderMod* border = list.add(std::make_unique<TestBorderMod>());
-    TestCountMod::resetCounts();
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
+    run();
     EXPECT_EQ(countsOf(4), (std::vector<int>{1, 1, 1, 1}));
     // Stages 0..3 matched, so this run stored a fresh cache after stage 3.
     EXPECT_EQ(runner.currentCachedStage(), 3);
 
     border->variableAt(0)->setFloatValue(5.0f);
     TestCountMod::resetCounts();
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
+    run();
     EXPECT_EQ(countsOf(4), (std::vector<int>{1, 1, 1, 1}));
 }
 
@@ -290,18 +262,14 @@ TEST(ModSequenceRunner, EmptyListCopies)
     EXPECT_FALSE(runner.isBusy());
 }
 
-TEST(ModSequenceRunner, ClonesNeverAliasTheCallersMods)
+TEST_F(CachedRunner, ClonesNeverAliasTheCallersMods)
 {
-    TileList list;
     TestCountMod* first = list.count(0, 2.0f);
     auto group = std::make_unique<ImageModCompound>();
     group->addChild(std::make_unique<TestCountMod>(1));
     group->amountVariable()->setFloatValue(0.5f);
     ImageModCompound* groupRaw = list.add(std::move(group));
-    FlexImageFloat img(4, 4, 3);
-    fillGradient(img);
-    ModSequenceRunner runner(true, false, 256, 0.5f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
+    run();
     ASSERT_EQ(runner.stageCount(), 2);
     EXPECT_NE(runner.mods[0].get(), first);
     EXPECT_NE(runner.mods[1].get(), groupRaw);
@@ -315,7 +283,7 @@ TEST(ModSequenceRunner, ClonesNeverAliasTheCallersMods)
     EXPECT_EQ(runner.mods[0]->floatValue(0), 2.0f);
     // An equal clone is taken back from the pool rather than made anew.
     ImageMod* keptClone = runner.mods[1].get();
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
+    run();
     EXPECT_EQ(runner.mods[1].get(), keptClone);
     EXPECT_EQ(runner.mods[0]->floatValue(0), 99.0f);
 }
@@ -328,32 +296,22 @@ TEST(ModSequenceRunner, WithoutCacheEveryStageRunsEveryPass)
         list.count(i);
     FlexImageFloat img(8, 8, 3);
     fillGradient(img);
-    ModSequenceRunner runner(false, false, 256, 0.5f);
+    ModSequenceRunner runner(false, false, 2, 0.5f);
+    EXPECT_EQ(runner.minimumSize, 16);
     for (int pass = 0; pass < 3; ++pass) {
         static_cast<TestCountMod*>(list.tiles[2].get())->setAmount(float(pass));
         runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
     }
     EXPECT_EQ(countsOf(3), (std::vector<int>{3, 3, 3}));
     EXPECT_EQ(runner.cacheImage, nullptr);
-    EXPECT_EQ(runner.minimumSize, 256);
 }
 
-TEST(ModSequenceRunner, SizeChangeAndFlushDropTheCache)
+TEST_F(CachedRunner, SizeChangeAndFlushDropTheCache)
 {
-    TileList list;
-    for (int i = 0; i < 3; ++i)
-        list.count(i);
-    FlexImageFloat img(8, 8, 3), other(9, 8, 3);
-    fillGradient(img);
+    ASSERT_NO_FATAL_FAILURE(prime(3, 2));
+    FlexImageFloat other(9, 8, 3);
     fillGradient(other);
-    ModSequenceRunner runner(true, false, 2, 0.5f);
-    EXPECT_EQ(runner.minimumSize, 16);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
-    static_cast<TestCountMod*>(list.tiles[2].get())->setAmount(2.0f);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
-    ASSERT_EQ(runner.currentCachedStage(), 1);
-    TestCountMod::resetCounts();
-    runner.run(list.raw(), &other, nullptr, -1, 0, nullptr);
+    runner.run(list.raw(), &other, &work, -1, 0, nullptr);
     EXPECT_EQ(countsOf(3), (std::vector<int>{1, 1, 1}));
     EXPECT_EQ(runner.cacheImage->width, 9);
 
@@ -362,19 +320,14 @@ TEST(ModSequenceRunner, SizeChangeAndFlushDropTheCache)
     EXPECT_EQ(runner.currentCachedStage(), -1);
 }
 
-TEST(ModSequenceRunner, MasksActOnTheStageToTheirRight)
+TEST_F(CachedRunner, MasksActOnTheStageToTheirRight)
 {
-    TileList list;
     list.count(0, 10.0f);
     list.add(std::make_unique<TestConstMask>(0.25f));
     list.add(std::make_unique<TestConstMask>(0.5f));
     list.count(1, 8.0f);
-    FlexImageFloat source(4, 4, 3);
-    fillGradient(source);
-    FlexImageFloat out(0, 0, 3);
-    ModSequenceRunner runner(true, false, 256, 0.5f);
-    runner.run(list.raw(), &source, &out, -1, 0, nullptr);
-    EXPECT_FLOAT_EQ(out.data[5], source.data[5] + 10.0f + 8.0f * 0.125f);
+    run();
+    EXPECT_FLOAT_EQ(work.data[5], img.data[5] + 10.0f + 8.0f * 0.125f);
 }
 
 TEST(ModSequenceRunner, AnalysisRunsOnASmallProxy)
@@ -412,19 +365,12 @@ TEST(ModSequenceRunner, AnalysisRunsOnASmallProxy)
     EXPECT_FLOAT_EQ(TestAnalysisMod::lastScale().load(), 20.0f);
 }
 
-TEST(ModSequenceRunner, CancelStopsBeforeTheNextStage)
+TEST_F(CachedRunner, CancelStopsBeforeTheNextStage)
 {
-    TestCountMod::resetCounts();
-    ModSequenceRunner runner(true, false, 256, 0.5f);
-    TileList list;
     list.count(0);
-    auto hook = std::make_unique<TestHookMod>();
-    hook->hook = [&runner] { runner.requestCancel(); };
-    list.add(std::move(hook));
+    list.add(std::make_unique<TestHookMod>())->hook = [this] { runner.requestCancel(); };
     list.count(1);
-    FlexImageFloat img(8, 8, 3);
-    fillGradient(img);
-    runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
+    run();
     EXPECT_EQ(countsOf(2), (std::vector<int>{1, 0}));
     EXPECT_FALSE(runner.isBusy());
     EXPECT_FALSE(runner.hasResult);
@@ -461,13 +407,10 @@ TEST(ModSequenceRunner, AsyncRunFinishesOnItsOwnThread)
     EXPECT_EQ(out8.data[0], uint8_t(src8.data[0] + 3));
 }
 
-TEST(ModSequenceRunner, EmptyImageDoesNothing)
+TEST_F(CachedRunner, EmptyImageDoesNothing)
 {
-    TestCountMod::resetCounts();
-    TileList list;
     list.count(0);
     FlexImageFloat empty(0, 0, 3);
-    ModSequenceRunner runner(true, false, 256, 0.5f);
     runner.run(list.raw(), &empty, nullptr, -1, 0, nullptr);
     runner.run(list.raw(), static_cast<FlexImageFloat*>(nullptr), nullptr, -1, 0, nullptr);
     EXPECT_EQ(countsOf(1), (std::vector<int>{0}));
