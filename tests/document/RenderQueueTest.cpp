@@ -15,6 +15,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <tuple>
 
 namespace {
 
@@ -75,6 +76,22 @@ std::vector<RenderQueueOutcome> outcomes(RenderQueue& q)
     return list;
 }
 
+// A queue whose items wait at the gate.
+class GatedQueue : public ::testing::Test {
+protected:
+    // Adds the items, starts, and returns once the first is under way.
+    void startWith(std::initializer_list<const char*> names)
+    {
+        for (const char* n : names)
+            q.addItem(item(n));
+        ASSERT_TRUE(q.start());
+        ASSERT_TRUE(gate.waitStarted(1));
+    }
+
+    GatedProcessor gate;
+    RenderQueue q{gate.function()};
+};
+
 } // namespace
 
 TEST(RenderQueueItem, CloneCopiesFieldsAndOwnsItsOwnTiles)
@@ -89,22 +106,18 @@ TEST(RenderQueueItem, CloneCopiesFieldsAndOwnsItsOwnTiles)
     ASSERT_EQ(a.mods.size(), 1u); // a null entry is skipped
     EXPECT_NE(a.mods[0].get(), &mod);
     const RenderQueueItem b = a.clone();
-    EXPECT_EQ(b.sourcePath, "a.jpg");
-    EXPECT_EQ(b.destPath, "a.jpg.out");
-    EXPECT_EQ(b.width, 640);
-    EXPECT_EQ(b.height, 480);
-    EXPECT_EQ(b.quality, 70);
-    EXPECT_EQ(b.extensionIndex, 3);
+    auto fields = [](const RenderQueueItem& i) {
+        return std::tie(i.sourcePath, i.destPath, i.width, i.height, i.quality, i.extensionIndex);
+    };
+    EXPECT_EQ(fields(b), fields(a));
     ASSERT_EQ(b.mods.size(), 1u);
     EXPECT_NE(b.mods[0].get(), a.mods[0].get());
     a.mods[0]->variableAt(0)->setFloatValue(1.0f);
     EXPECT_FLOAT_EQ(b.mods[0]->floatValue(0), 7.0f); // changing the original leaves the clone
 }
 
-TEST(RenderQueue, CancellingAWaitingItemRemovesJustThatOne)
+TEST_F(GatedQueue, CancellingAWaitingItemRemovesJustThatOne)
 {
-    GatedProcessor gate;
-    RenderQueue q(gate.function());
     const int32_t a = q.addItem(item("a"));
     const int32_t b = q.addItem(item("b"));
     const int32_t c = q.addItem(item("c"));
@@ -143,14 +156,9 @@ TEST(RenderQueue, CancellingAWaitingItemRemovesJustThatOne)
     EXPECT_EQ(q.itemCount(), 0);
 }
 
-TEST(RenderQueue, CancellingTheRunningItemStopsOnlyIt)
+TEST_F(GatedQueue, CancellingTheRunningItemStopsOnlyIt)
 {
-    GatedProcessor gate;
-    RenderQueue q(gate.function());
-    q.addItem(item("a"));
-    q.addItem(item("b"));
-    ASSERT_TRUE(q.start());
-    ASSERT_TRUE(gate.waitStarted(1));
+    ASSERT_NO_FATAL_FAILURE(startWith({"a", "b"}));
     EXPECT_TRUE(q.cancelItem(0)); // the running one is told, not removed
     EXPECT_EQ(q.itemCount(), 2);
     gate.open(2);
@@ -159,14 +167,9 @@ TEST(RenderQueue, CancellingTheRunningItemStopsOnlyIt)
     EXPECT_EQ(outcomes(q), (std::vector<RenderQueueOutcome>{RenderQueueOutcome::Cancelled, RenderQueueOutcome::Done}));
 }
 
-TEST(RenderQueue, CancelAllStopsAfterTheRunningItemGivesUp)
+TEST_F(GatedQueue, CancelAllStopsAfterTheRunningItemGivesUp)
 {
-    GatedProcessor gate;
-    RenderQueue q(gate.function());
-    for (const char* n : {"a", "b", "c", "d"})
-        q.addItem(item(n));
-    ASSERT_TRUE(q.start());
-    ASSERT_TRUE(gate.waitStarted(1));
+    ASSERT_NO_FATAL_FAILURE(startWith({"a", "b", "c", "d"}));
     q.cancelAll();
     EXPECT_TRUE(q.isRunning()); // still on "a" until it looks
     gate.open(4);
@@ -185,13 +188,9 @@ TEST(RenderQueue, CancelAllStopsAfterTheRunningItemGivesUp)
     EXPECT_EQ(outcomes(q), std::vector<RenderQueueOutcome>{RenderQueueOutcome::Done});
 }
 
-TEST(RenderQueue, ItemsAddedDuringARunAreServedBySameWorker)
+TEST_F(GatedQueue, ItemsAddedDuringARunAreServedBySameWorker)
 {
-    GatedProcessor gate;
-    RenderQueue q(gate.function());
-    q.addItem(item("a"));
-    ASSERT_TRUE(q.start());
-    ASSERT_TRUE(gate.waitStarted(1));
+    ASSERT_NO_FATAL_FAILURE(startWith({"a"}));
     q.addItem(item("b"));
     q.addItem(item("c"));
     EXPECT_FALSE(q.start()); // the running worker takes them
@@ -205,10 +204,8 @@ TEST(RenderQueue, ItemsAddedDuringARunAreServedBySameWorker)
     EXPECT_NE(gate.threads[0], std::this_thread::get_id());
 }
 
-TEST(RenderQueue, AFailedItemIsRecordedAndTheQueueGoesOn)
+TEST_F(GatedQueue, AFailedItemIsRecordedAndTheQueueGoesOn)
 {
-    GatedProcessor gate;
-    RenderQueue q(gate.function());
     q.addItem(item("bad one"));
     q.addItem(item("good"));
     RenderQueueItem video = item("clip");
