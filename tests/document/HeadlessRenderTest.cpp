@@ -20,30 +20,17 @@ public:
     std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<SizeProbe>(); }
     void apply(FlexImageFloat* image, const ImageModApplyContext* context) override
     {
-        seenWidth() = image->width;
-        seenHeight() = image->height;
-        seenScale() = image->scale;
-        seenFrame() = context && context->referenceFrame;
+        seen() = {image->width, image->scale, context && context->referenceFrame};
     }
-    static int& seenWidth()
+    struct Seen {
+        int width = 0;
+        float scale = 0.0f;
+        bool frame = true;
+    };
+    static Seen& seen()
     {
-        static int v = 0;
-        return v;
-    }
-    static int& seenHeight()
-    {
-        static int v = 0;
-        return v;
-    }
-    static float& seenScale()
-    {
-        static float v = 0;
-        return v;
-    }
-    static bool& seenFrame()
-    {
-        static bool v = true;
-        return v;
+        static Seen s;
+        return s;
     }
 };
 
@@ -106,9 +93,9 @@ TEST(HeadlessRender, SizeTileThenEveryTileOnTheWholeImage)
     ASSERT_TRUE(renderFullSize(*source, list, out));
     EXPECT_EQ(out.width, 1000);
     EXPECT_EQ(out.height, 667);
-    EXPECT_EQ(SizeProbe::seenWidth(), 1000);
-    EXPECT_FALSE(SizeProbe::seenFrame());
-    EXPECT_FLOAT_EQ(SizeProbe::seenScale(), 3.0f);
+    EXPECT_EQ(SizeProbe::seen().width, 1000);
+    EXPECT_FALSE(SizeProbe::seen().frame);
+    EXPECT_FLOAT_EQ(SizeProbe::seen().scale, 3.0f);
     EXPECT_NEAR(out.data[3 * (300 * 1000 + 500)], 120.0f, 1e-3);
     // The caller's tiles are untouched.
     EXPECT_EQ(add.floatValue(0), 20.0f);
@@ -144,7 +131,7 @@ TEST(HeadlessRender, CropActsBeforeTheTilesWhereverItStands)
     ASSERT_TRUE(renderFullSize(*source, list, out));
     EXPECT_EQ(out.width, 500);
     EXPECT_EQ(out.height, 800);
-    EXPECT_EQ(SizeProbe::seenWidth(), 500);
+    EXPECT_EQ(SizeProbe::seen().width, 500);
     EXPECT_FLOAT_EQ(out.row(10)[0], 125.0f);
     EXPECT_FLOAT_EQ(out.row(10)[499 * 3], 249.75f);
     // The working scale is the source width over the result's width.
