@@ -15,18 +15,21 @@
 
 namespace {
 
+// One load into a 100 x 100 image of the given channel count, as the editor calls it.
 struct Loaded {
+    Loaded() = default;
+    explicit Loaded(const std::string& path, int32_t channels = 4) { load(path, channels); }
+    void load(const std::string& path, int32_t channels = 4)
+    {
+        image.resize(100, 100, channels);
+        ok = LoadMediaFile(image, path, &info, &status);
+    }
+
     FlexImageFloat image {100, 100, 4};
     LoadedMediaInfo info;
     MediaLoadStatus status = MediaLoadStatus::Ok;
     bool ok = false;
 };
-
-void load(const std::string& path, Loaded& out, int32_t channels = 4)
-{
-    out.image.resize(100, 100, channels);
-    out.ok = LoadMediaFile(out.image, path, &out.info, &out.status);
-}
 
 double meanAbsDiff(const FlexImageFloat& a, const FlexImageFloat& b)
 {
@@ -43,16 +46,14 @@ double meanAbsDiff(const FlexImageFloat& a, const FlexImageFloat& b)
 TEST(LoadMediaFileTest, EveryOrientationLoadsTheSameUprightPicture)
 {
     REQUIRE_TESTDATA(reference, "orientation_1.jpg");
-    Loaded ref;
-    load(reference, ref);
+    Loaded ref(reference);
     ASSERT_TRUE(ref.ok);
     ASSERT_EQ(ref.image.width, 640);
     ASSERT_EQ(ref.image.height, 400);
     for (int o = 2; o <= 8; ++o) {
         const std::string name = "orientation_" + std::to_string(o) + ".jpg";
         REQUIRE_TESTDATA(path, name.c_str());
-        Loaded l;
-        load(path, l);
+        Loaded l(path);
         ASSERT_TRUE(l.ok) << name;
         ASSERT_EQ(l.image.width, 640) << name;
         ASSERT_EQ(l.image.height, 400) << name;
@@ -68,8 +69,7 @@ TEST(LoadMediaFileTest, EveryOrientationLoadsTheSameUprightPicture)
 TEST(LoadMediaFileTest, CameraOrientationReadFromExif)
 {
     REQUIRE_TESTDATA(path, "panasonic_gf1_orientation6.jpg");
-    Loaded l;
-    load(path, l, 3);
+    Loaded l(path, 3);
     ASSERT_TRUE(l.ok);
     EXPECT_EQ(l.image.width, 428);
     EXPECT_EQ(l.image.height, 640);
@@ -88,8 +88,7 @@ TEST(LoadMediaFileTest, SixteenBitSourcesKeepTheirLevels)
 {
     for (const char* name : {"canon_eos30d_srgb_16bit_1200x800.tif", "canon_eos30d_adobergb_16bit_1200x800.png"}) {
         REQUIRE_TESTDATA(path, name);
-        Loaded l;
-        load(path, l);
+        Loaded l(path);
         ASSERT_TRUE(l.ok) << name;
         EXPECT_EQ(l.info.bitsPerComponent, 16) << name;
         std::set<int> levels;
@@ -109,8 +108,7 @@ TEST(LoadMediaFileTest, SixteenBitSourcesKeepTheirLevels)
 TEST(LoadMediaFileTest, AdobeRgbPngIsConvertedToSrgbThroughLittleCms)
 {
     REQUIRE_TESTDATA(path, "canon_eos30d_adobergb_16bit_1200x800.png");
-    Loaded l;
-    load(path, l, 3);
+    Loaded l(path, 3);
     ASSERT_TRUE(l.ok);
     EXPECT_EQ(l.info.colorSpaceKind, ColorSpaceKind::AdobeRGB);
     EXPECT_EQ(l.info.profileName, "Adobe RGB");
@@ -150,8 +148,7 @@ TEST(LoadMediaFileTest, SrgbTaggedAndUntaggedFilesAreNotConverted)
     for (const Case& c : {Case {"olympus_em1_forest_1920x1080.jpg", ColorSpaceKind::SRGB},
                           Case {"canon_eos70d_leaf_2560x1600.jpg", ColorSpaceKind::None}}) {
         REQUIRE_TESTDATA(path, c.name);
-        Loaded l;
-        load(path, l, 3);
+        Loaded l(path, 3);
         ASSERT_TRUE(l.ok) << c.name;
         EXPECT_EQ(l.info.colorSpaceKind, c.kind) << c.name;
         MediaDecoded raw;
@@ -168,8 +165,7 @@ TEST(LoadMediaFileTest, SrgbTaggedAndUntaggedFilesAreNotConverted)
 TEST(LoadMediaFileTest, NonRgbSourcesBecomeEightBitRgb)
 {
     REQUIRE_TESTDATA(grey, "camera_grey8.png");
-    Loaded g;
-    load(grey, g, 3);
+    Loaded g(grey, 3);
     ASSERT_TRUE(g.ok);
     EXPECT_EQ(g.image.width, 512);
     EXPECT_EQ(g.info.bitsPerComponent, 8);
@@ -179,16 +175,14 @@ TEST(LoadMediaFileTest, NonRgbSourcesBecomeEightBitRgb)
     }
     // Grey 16-bit with alpha: 8-bit RGB, alpha drawn over black and gone.
     REQUIRE_TESTDATA(greyAlpha, "grey16_alpha_32px.png");
-    Loaded ga;
-    load(greyAlpha, ga, 4);
+    Loaded ga(greyAlpha, 4);
     ASSERT_TRUE(ga.ok);
     EXPECT_EQ(ga.info.bitsPerComponent, 8);
     EXPECT_EQ(ga.image.width, 32);
     for (int i = 0; i < 32 * 32; ++i)
         ASSERT_EQ(ga.image.data[i * 4 + 3], 255.0f);
     REQUIRE_TESTDATA(jpegGrey, "flower_grey.jpg");
-    Loaded jg;
-    load(jpegGrey, jg, 3);
+    Loaded jg(jpegGrey, 3);
     ASSERT_TRUE(jg.ok);
     EXPECT_EQ(jg.image.width, 2268);
     EXPECT_EQ(jg.image.data[100 * 3], jg.image.data[100 * 3 + 2]);
@@ -201,8 +195,7 @@ TEST(LoadMediaFileTest, AlphaComesBackUnassociated)
     MediaDecoded raw;
     ASSERT_EQ(decodeMediaFile(unassoc, raw, false), MediaCodecStatus::Ok);
     EXPECT_EQ(raw.bitmap.alphaInfo, MediaAlphaLast);
-    Loaded u;
-    load(unassoc, u, 4);
+    Loaded u(unassoc, 4);
     ASSERT_TRUE(u.ok);
     bool partial = false;
     for (int i = 0; i < 32 * 32; ++i) {
@@ -224,9 +217,7 @@ TEST(LoadMediaFileTest, AlphaComesBackUnassociated)
 
     // With a 3-channel destination the alpha is baked onto black.
     REQUIRE_TESTDATA(tulips, "tulips_rgba_500px.png");
-    Loaded rgba, rgb;
-    load(tulips, rgba, 4);
-    load(tulips, rgb, 3);
+    Loaded rgba(tulips, 4), rgb(tulips, 3);
     ASSERT_TRUE(rgba.ok && rgb.ok);
     int checked = 0;
     for (int i = 0; i < 500 * 500; i += 7) {
@@ -250,8 +241,7 @@ TEST(LoadMediaFileTest, HdrExrHeifRawAndPhotoshopLoad)
                           Case {"tigers.hdr", 400, 294, 16}, Case {"iphone_xr_orientation6_p3.heic", 3024, 4032, 8},
                           Case {"tuebingen_two_images.heic", 1280, 854, 8}}) {
         REQUIRE_TESTDATA(path, c.name);
-        Loaded l;
-        load(path, l, 4);
+        Loaded l(path, 4);
         ASSERT_TRUE(l.ok) << c.name;
         EXPECT_EQ(l.image.width, c.w) << c.name;
         EXPECT_EQ(l.image.height, c.h) << c.name;
@@ -276,8 +266,7 @@ TEST(LoadMediaFileTest, HdrExrHeifRawAndPhotoshopLoad)
 TEST(LoadMediaFileTest, CameraRawLoadsAtSixteenBits)
 {
     REQUIRE_TESTDATA(path, "canon_eos30d.CR2");
-    Loaded l;
-    load(path, l, 3);
+    Loaded l(path, 3);
     ASSERT_TRUE(l.ok);
     EXPECT_GE(l.image.width, 3504);
     EXPECT_GE(l.image.height, 2336);
@@ -297,10 +286,9 @@ TEST(LoadMediaFileTest, DamagedFilesFailWithTheMessageAndLeaveTheImage)
                           Case {"huge_dimensions_64250x64250.jpg", MediaLoadStatus::TooLarge}}) {
         REQUIRE_TESTDATA(path, c.name);
         Loaded l;
-        l.image.resize(100, 100, 4);
         l.image.data[0] = 42.0f;
         l.info.profileName = "kept";
-        load(path, l, 4);
+        l.load(path, 4);
         EXPECT_FALSE(l.ok) << c.name;
         EXPECT_EQ(l.status, c.status) << c.name;
         EXPECT_EQ(l.image.width, 100);
@@ -308,24 +296,18 @@ TEST(LoadMediaFileTest, DamagedFilesFailWithTheMessageAndLeaveTheImage)
         EXPECT_EQ(l.info.profileName, "kept");
         const MediaMessage m = mediaLoadFailureMessage(l.status, path);
         EXPECT_EQ(m.title, "Can't Load File");
-        EXPECT_EQ(m.text.rfind("Vantrel can't open " + path
-                                   + ". You may need to install drivers for this file format or update your "
-                                     "operating system.",
-                               0),
-                  0u);
+        EXPECT_EQ(m.text.rfind("Vantrel can't open " + path + ". You may need to install drivers for this file "
+                               "format or update your operating system.", 0), 0u);
     }
     // A truncated JPEG still decodes what it has (the decoder pads the rest); it must not crash.
     REQUIRE_TESTDATA(truncated, "truncated_leaf.jpg");
-    Loaded t;
-    load(truncated, t, 3);
+    Loaded t(truncated, 3);
     if (t.ok) {
         EXPECT_EQ(t.image.width, 2560);
     }
-    Loaded missing;
-    load("/nonexistent/folder/photo.jpg", missing);
+    Loaded missing("/nonexistent/folder/photo.jpg");
     EXPECT_FALSE(missing.ok);
-    Loaded unknown;
-    load("/tmp/whatever.xyz", unknown);
+    Loaded unknown("/tmp/whatever.xyz");
     EXPECT_EQ(unknown.status, MediaLoadStatus::UnsupportedType);
     const MediaMessage m = mediaLoadFailureMessage(unknown.status, "/tmp/whatever.xyz");
     EXPECT_EQ(m.title, "Load Image Error");
@@ -338,13 +320,11 @@ TEST(LoadMediaFileTest, PhotosPastTheMemoryCeilingAreRefusedBeforeDecoding)
     // 1920 x 1080 needs about 80 MB as a document; a 64 MB ceiling refuses it, 128 MB takes it.
     setenv("VANTREL_MEMORY_LIMIT_MB", "64", 1);
     EXPECT_FALSE(mediaSizeWithinMemoryCeiling(1920, 1080));
-    Loaded refused;
-    load(path, refused, 4);
+    Loaded refused(path, 4);
     EXPECT_FALSE(refused.ok);
     EXPECT_EQ(refused.status, MediaLoadStatus::TooLarge);
     setenv("VANTREL_MEMORY_LIMIT_MB", "128", 1);
-    Loaded taken;
-    load(path, taken, 4);
+    Loaded taken(path, 4);
     EXPECT_TRUE(taken.ok);
     // A nonsense limit falls back to the machine's memory; forged sizes can't overflow the test.
     setenv("VANTREL_MEMORY_LIMIT_MB", "lots", 1);
