@@ -8,19 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QTemporaryDir>
-
 #include <cmath>
 #include <cstring>
 
 namespace {
-
-struct SaveFolder {
-    QTemporaryDir dir;
-    std::string path(const char* name) const { return dir.filePath(name).toStdString(); }
-    int entryCount() const { return int(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot).size()); }
-};
 
 // The first entry of the first quantisation table of a JPEG (1 at quality 100).
 int firstQuantiser(const std::vector<uint8_t>& jpeg)
@@ -45,20 +36,25 @@ void gradient(FlexImageFloat& img, int w, int h, int channels)
         }
 }
 
-bool loadInfo(const std::string& path, FlexImageFloat& img, LoadedMediaInfo& info)
-{
-    img.resize(100, 100, 4);
-    return LoadMediaFile(img, path, &info);
-}
+// A folder to save into, the picture to save and what its load left.
+class MediaSaveTest : public ::testing::Test {
+protected:
+    bool load(const std::string& path)
+    {
+        img.resize(100, 100, 4);
+        return LoadMediaFile(img, path, &info);
+    }
+
+    TempFolder folder;
+    FlexImageFloat img;
+    LoadedMediaInfo info;
+};
 
 } // namespace
 
-TEST(MediaSaveTest, JpegQualityReachesTheEncoder)
+TEST_F(MediaSaveTest, JpegQualityReachesTheEncoder)
 {
-    SaveFolder folder;
-    FlexImageFloat img;
     gradient(img, 64, 48, 3);
-    LoadedMediaInfo info;
     ASSERT_TRUE(saveRenderedMediaFile(img, info, folder.path("q100.jpg"), 100.0f));
     ASSERT_TRUE(saveRenderedMediaFile(img, info, folder.path("q0.JPG"), 0.0f));
     ASSERT_TRUE(saveRenderedMediaFile(img, info, folder.path("q85.jpeg"), 85.0f));
@@ -69,12 +65,9 @@ TEST(MediaSaveTest, JpegQualityReachesTheEncoder)
     EXPECT_EQ(folder.entryCount(), 3); // no temporary left behind
 }
 
-TEST(MediaSaveTest, OpaqueRgbaSavesAsRgbAndTranslucentKeepsAlpha)
+TEST_F(MediaSaveTest, OpaqueRgbaSavesAsRgbAndTranslucentKeepsAlpha)
 {
-    SaveFolder folder;
-    FlexImageFloat img;
     gradient(img, 20, 10, 4);
-    LoadedMediaInfo info;
     ASSERT_TRUE(saveRenderedMediaFile(img, info, folder.path("opaque.png"), 100.0f));
     MediaDecoded d;
     ASSERT_EQ(decodeMediaFile(folder.path("opaque.png"), d, false), MediaCodecStatus::Ok);
@@ -91,13 +84,10 @@ TEST(MediaSaveTest, OpaqueRgbaSavesAsRgbAndTranslucentKeepsAlpha)
     EXPECT_EQ(a.bitmap.row(0)[1 * 4], uint8_t((int(img.row(0)[4] * 257.0) & 0xffff) >> 8));
 }
 
-TEST(MediaSaveTest, JpegDropsAlphaAndWritersAreKnownByExtension)
+TEST_F(MediaSaveTest, JpegDropsAlphaAndWritersAreKnownByExtension)
 {
-    SaveFolder folder;
-    FlexImageFloat img;
     gradient(img, 16, 16, 4);
     img.data[3] = 0.0f;
-    LoadedMediaInfo info;
     ASSERT_TRUE(saveRenderedMediaFile(img, info, folder.path("a.jpg"), 100.0f));
     MediaDecoded d;
     ASSERT_EQ(decodeMediaFile(folder.path("a.jpg"), d, false), MediaCodecStatus::Ok);
@@ -109,12 +99,9 @@ TEST(MediaSaveTest, JpegDropsAlphaAndWritersAreKnownByExtension)
     EXPECT_FALSE(canEncodeMediaPath("x.xyz"));
 }
 
-TEST(MediaSaveTest, SixteenBitPngAndTiffRoundTripExactly)
+TEST_F(MediaSaveTest, SixteenBitPngAndTiffRoundTripExactly)
 {
-    SaveFolder folder;
-    FlexImageFloat img;
     gradient(img, 300, 7, 3);
-    LoadedMediaInfo info;
     info.bitsPerComponent = 16;
     for (const char* name : {"deep.png", "deep.tif"}) {
         ASSERT_TRUE(saveRenderedMediaFile(img, info, folder.path(name), 100.0f)) << name;
@@ -133,14 +120,11 @@ TEST(MediaSaveTest, SixteenBitPngAndTiffRoundTripExactly)
     }
 }
 
-TEST(MediaSaveTest, CameraMetadataSurvivesWhileOrientationAndSizeGo)
+TEST_F(MediaSaveTest, CameraMetadataSurvivesWhileOrientationAndSizeGo)
 {
     REQUIRE_TESTDATA(panasonic, "panasonic_gf1_orientation6.jpg");
-    FlexImageFloat img;
-    LoadedMediaInfo info;
-    ASSERT_TRUE(loadInfo(panasonic, img, info));
+    ASSERT_TRUE(load(panasonic));
     ASSERT_TRUE(info.properties);
-    SaveFolder folder;
     for (const char* name : {"upright.jpg", "upright.png", "upright.tif"}) {
         const std::string out = folder.path(name);
         ASSERT_TRUE(saveRenderedMediaFile(img, info, out, 90.0f)) << name;
@@ -164,15 +148,12 @@ TEST(MediaSaveTest, CameraMetadataSurvivesWhileOrientationAndSizeGo)
     }
 }
 
-TEST(MediaSaveTest, GpsAndLargeProfileSurviveAJpegRoundTrip)
+TEST_F(MediaSaveTest, GpsAndLargeProfileSurviveAJpegRoundTrip)
 {
     REQUIRE_TESTDATA(nikon, "nikon_d1x_large_icc_multichunk.jpg");
-    FlexImageFloat img;
-    LoadedMediaInfo info;
-    ASSERT_TRUE(loadInfo(nikon, img, info));
+    ASSERT_TRUE(load(nikon));
     EXPECT_EQ(info.colorSpaceKind, ColorSpaceKind::Custom);
     ASSERT_GT(info.iccProfile.size(), 1000000u);
-    SaveFolder folder;
     const std::string out = folder.path("nikon.jpg");
     ASSERT_TRUE(saveRenderedMediaFile(img, info, out, 95.0f));
     std::unique_ptr<MediaProperties> props = readMediaProperties(out);
@@ -198,14 +179,11 @@ TEST(MediaSaveTest, GpsAndLargeProfileSurviveAJpegRoundTrip)
     EXPECT_EQ(firstDiff, info.iccProfile.size());
 }
 
-TEST(MediaSaveTest, UntaggedPngWithoutMetadataSavesWithoutAny)
+TEST_F(MediaSaveTest, UntaggedPngWithoutMetadataSavesWithoutAny)
 {
     REQUIRE_TESTDATA(tulips, "tulips_rgba_500px.png");
-    FlexImageFloat img;
-    LoadedMediaInfo info;
-    ASSERT_TRUE(loadInfo(tulips, img, info));
+    ASSERT_TRUE(load(tulips));
     EXPECT_FALSE(info.properties);
-    SaveFolder folder;
     ASSERT_TRUE(saveRenderedMediaFile(img, info, folder.path("t.png"), 100.0f));
     EXPECT_FALSE(readMediaProperties(folder.path("t.png")));
     MediaDecoded d;
@@ -213,12 +191,9 @@ TEST(MediaSaveTest, UntaggedPngWithoutMetadataSavesWithoutAny)
     EXPECT_EQ(d.iccProfile, info.iccProfile); // the file's own sRGB tag travels on
 }
 
-TEST(MediaSaveTest, FailedSaveLeavesTheTargetAndNoTemporary)
+TEST_F(MediaSaveTest, FailedSaveLeavesTheTargetAndNoTemporary)
 {
-    SaveFolder folder;
-    FlexImageFloat img;
     gradient(img, 8, 8, 3);
-    LoadedMediaInfo info;
     // A target that can't be replaced: a folder in its place.
     const std::string blocked = folder.path("blocked.jpg");
     ASSERT_TRUE(QDir().mkpath(QString::fromStdString(blocked + "/inside")));
@@ -226,11 +201,7 @@ TEST(MediaSaveTest, FailedSaveLeavesTheTargetAndNoTemporary)
     EXPECT_TRUE(QDir(QString::fromStdString(blocked + "/inside")).exists());
     // An extension no writer takes, over an existing file.
     const std::string existing = folder.path("keep.xyz");
-    {
-        FILE* f = std::fopen(existing.c_str(), "wb");
-        std::fputs("precious", f);
-        std::fclose(f);
-    }
+    writeFileBytes(existing, {'p', 'r', 'e', 'c', 'i', 'o', 'u', 's'});
     EXPECT_FALSE(saveRenderedMediaFile(img, info, existing, 90.0f));
     EXPECT_EQ(readFileBytes(existing), std::vector<uint8_t>({'p', 'r', 'e', 'c', 'i', 'o', 'u', 's'}));
     EXPECT_EQ(folder.entryCount(), 1);
@@ -239,9 +210,8 @@ TEST(MediaSaveTest, FailedSaveLeavesTheTargetAndNoTemporary)
     EXPECT_FALSE(saveRenderedMediaFile(empty, info, folder.path("e.png"), 90.0f));
 }
 
-TEST(MediaSaveTest, SaveMediaFileRendersThenWritesTheTileProfile)
+TEST_F(MediaSaveTest, SaveMediaFileRendersThenWritesTheTileProfile)
 {
-    SaveFolder folder;
     const std::string out = folder.path("rendered.png");
     std::string recorded;
     int askedWidth = 0;
@@ -257,7 +227,6 @@ TEST(MediaSaveTest, SaveMediaFileRendersThenWritesTheTileProfile)
         kind = ColorSpaceKind::AdobeRGB;
         return true;
     };
-    LoadedMediaInfo info;
     info.iccProfile = builtinIccProfile(ColorSpaceKind::SRGB);
     ASSERT_TRUE(SaveMediaFile(renderer, info, out, 33, 21, 100.0f));
     EXPECT_EQ(recorded, out);
@@ -294,7 +263,7 @@ TEST(MultiImageLoaderSaverTest, SideRouteKeepsPropertiesUnstrippedAndSavesBothDe
     EXPECT_FALSE(copy->properties->has("Exif.Image.Orientation"));
     EXPECT_TRUE(meta->properties->has("Exif.Image.Orientation")); // the original is untouched
 
-    SaveFolder folder;
+    TempFolder folder;
     meta->stripForSaving();
     io.saveBitMode = 1;
     ASSERT_TRUE(io.saveImage(folder.path("side16.png"), img, false, 100.0f));

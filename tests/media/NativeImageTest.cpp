@@ -7,21 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include <QTemporaryDir>
-
 #include <cstring>
 #include <random>
 
 namespace {
-
-void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes)
-{
-    FILE* f = std::fopen(path.c_str(), "wb");
-    ASSERT_NE(f, nullptr);
-    if (!bytes.empty())
-        std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-}
 
 std::vector<uint8_t> header(uint32_t w, uint32_t h, const char* magic = "RGBA8XXXXXXX")
 {
@@ -32,16 +21,11 @@ std::vector<uint8_t> header(uint32_t w, uint32_t h, const char* magic = "RGBA8XX
     return b;
 }
 
-struct Folder {
-    QTemporaryDir dir;
-    std::string path(const char* name) const { return dir.filePath(name).toStdString(); }
-};
-
 } // namespace
 
 TEST(NativeImageTest, FloatSamplesWriteTheirLowByte)
 {
-    Folder folder;
+    TempFolder folder;
     FlexImageFloat img(3, 1, 3);
     const float v[9] = {300.0f, -1.0f, 12.9f, 255.0f, 0.0f, 256.0f, 1.5f, 2.5f, 3.5f};
     std::memcpy(img.data, v, sizeof v);
@@ -56,7 +40,7 @@ TEST(NativeImageTest, FloatSamplesWriteTheirLowByte)
 
 TEST(NativeImageTest, ChannelCountsOnWrite)
 {
-    Folder folder;
+    TempFolder folder;
     FlexImage8 one(2, 1, 1);
     one.data[0] = 9;
     one.data[1] = 10;
@@ -75,7 +59,7 @@ TEST(NativeImageTest, ChannelCountsOnWrite)
 
 TEST(NativeImageTest, ThreeChannelRoundTripAndCompactForms)
 {
-    Folder folder;
+    TempFolder folder;
     FlexImage8 rgb(4, 3, 3);
     for (int i = 0; i < 36; ++i)
         rgb.data[i] = uint8_t(i * 7);
@@ -114,11 +98,11 @@ TEST(NativeImageTest, ThreeChannelRoundTripAndCompactForms)
 
 TEST(NativeImageTest, ShortFilesEndInWhiteAndBadHeadersFail)
 {
-    Folder folder;
+    TempFolder folder;
     // 2 x 2 with one pixel of data: one pixel and three white ones.
     std::vector<uint8_t> b = header(2, 2);
     b.insert(b.end(), {1, 2, 3, 4});
-    writeBytes(folder.path("short.vni"), b);
+    writeFileBytes(folder.path("short.vni"), b);
     FlexImageFloat f(1, 1, 4);
     ASSERT_TRUE(ReadNativeImage(folder.path("short.vni"), f));
     ASSERT_EQ(f.width, 2);
@@ -128,14 +112,14 @@ TEST(NativeImageTest, ShortFilesEndInWhiteAndBadHeadersFail)
 
     FlexImage8 keep(1, 1, 3);
     keep.data[0] = 42;
-    writeBytes(folder.path("w0.vni"), header(0, 5));
+    writeFileBytes(folder.path("w0.vni"), header(0, 5));
     EXPECT_FALSE(ReadNativeImage(folder.path("w0.vni"), keep));
-    writeBytes(folder.path("lower.vni"), header(1, 1, "rgba8xxxxxxx"));
+    writeFileBytes(folder.path("lower.vni"), header(1, 1, "rgba8xxxxxxx"));
     EXPECT_FALSE(ReadNativeImage(folder.path("lower.vni"), keep));
-    writeBytes(folder.path("empty.vni"), {});
+    writeFileBytes(folder.path("empty.vni"), {});
     EXPECT_FALSE(ReadNativeImage(folder.path("empty.vni"), keep));
     // A header claiming more than can be addressed is refused before any allocation.
-    writeBytes(folder.path("huge.vni"), header(100000, 100000));
+    writeFileBytes(folder.path("huge.vni"), header(100000, 100000));
     EXPECT_FALSE(ReadNativeImage(folder.path("huge.vni"), keep));
     CompactImage compact;
     EXPECT_FALSE(ReadNativeImage(folder.path("huge.vni"), compact));
@@ -146,7 +130,7 @@ TEST(NativeImageTest, ShortFilesEndInWhiteAndBadHeadersFail)
 
 TEST(NativeImageTest, DocumentRouteLosesLowBytesOfSixteenBitDocuments)
 {
-    Folder folder;
+    TempFolder folder;
     FlexImageFloat img(2, 1, 3);
     const float v[6] = {100.25f, 0.0f, 255.0f, 1.0f, 2.0f, 3.0f};
     std::memcpy(img.data, v, sizeof v);
@@ -167,7 +151,7 @@ TEST(NativeImageTest, DocumentRouteLosesLowBytesOfSixteenBitDocuments)
 TEST(NativeImageTest, DisplayImageDataIsNotDispatchedButReadsExplicitly)
 {
     EXPECT_NE(displayImageDataPath().find("/com.vantrel.photo/DisplayImage.dat"), std::string::npos);
-    Folder folder;
+    TempFolder folder;
     const std::string path = folder.path("DisplayImage.dat");
     FlexImage8 img(5, 4, 4);
     for (int i = 0; i < 80; ++i)
@@ -187,9 +171,9 @@ TEST(NativeImageTest, DisplayImageDataIsNotDispatchedButReadsExplicitly)
 // destination as it was.
 TEST(NativeImageTest, HeaderCutAfterTheMagicFails)
 {
-    Folder folder;
+    TempFolder folder;
     const std::string path = folder.path("cut.vni");
-    writeBytes(path, {0x52, 0x47, 0x42, 0x41, 0x38, 0x58, 0x58, 0x58, 0x58, 0x58, 0x58, 0x58, 0x00});
+    writeFileBytes(path, {0x52, 0x47, 0x42, 0x41, 0x38, 0x58, 0x58, 0x58, 0x58, 0x58, 0x58, 0x58, 0x00});
     FlexImage8 a(2, 3, 4);
     a.data[0] = 17;
     EXPECT_FALSE(ReadNativeImage(path, a));
@@ -202,13 +186,13 @@ TEST(NativeImageTest, HeaderCutAfterTheMagicFails)
     EXPECT_FALSE(ReadNativeImage(path, c));
     EXPECT_TRUE(c.isEmpty());
 
-    writeBytes(path, header(0xffffffffu, 0xfffffff0u));
+    writeFileBytes(path, header(0xffffffffu, 0xfffffff0u));
     EXPECT_FALSE(ReadNativeImage(path, f));
 }
 
 TEST(NativeImageTest, DamagedFilesNeverCrash)
 {
-    Folder folder;
+    TempFolder folder;
     FlexImage8 img(7, 5, 4);
     for (int i = 0; i < 140; ++i)
         img.data[i] = uint8_t(i * 3);
@@ -231,7 +215,7 @@ TEST(NativeImageTest, DamagedFilesNeverCrash)
                 at = 16;
             b[at] ^= uint8_t(1 + rng() % 255);
         }
-        writeBytes(bad, b);
+        writeFileBytes(bad, b);
         FlexImage8 a(1, 1, 4);
         FlexImageFloat f(1, 1, 3);
         CompactImage c;
