@@ -342,10 +342,10 @@ TEST(ModSequenceRunner, AnalysisRunsOnASmallProxy)
     img.scale = 2.0f;
     ModSequenceRunner runner(true, false, 256, 0.5f);
     runner.run(list.raw(), &img, nullptr, -1, 0, nullptr);
-    EXPECT_EQ(TestAnalysisMod::lastWidth().load(), 100);
-    EXPECT_EQ(TestAnalysisMod::lastHeight().load(), 67);
-    EXPECT_FLOAT_EQ(TestAnalysisMod::lastScale().load(), 6.0f);
-    EXPECT_FALSE(TestAnalysisMod::lastHadFrame().load());
+    EXPECT_EQ(TestAnalysisMod::seen().width.load(), 100);
+    EXPECT_EQ(TestAnalysisMod::seen().height.load(), 67);
+    EXPECT_FLOAT_EQ(TestAnalysisMod::seen().scale.load(), 6.0f);
+    EXPECT_FALSE(TestAnalysisMod::seen().frame.load());
     EXPECT_EQ(TestCountMod::analyses()[0].load(), 1);
     EXPECT_EQ(TestCountMod::analyses()[1].load(), 1);
     EXPECT_EQ(TestCountMod::analyses()[2].load(), 0);
@@ -361,8 +361,8 @@ TEST(ModSequenceRunner, AnalysisRunsOnASmallProxy)
     ReferenceFrame frame;
     frame.proxy = &proxy;
     runner.run(list.raw(), &img, nullptr, -1, 0, &frame);
-    EXPECT_EQ(TestAnalysisMod::lastWidth().load(), 30);
-    EXPECT_FLOAT_EQ(TestAnalysisMod::lastScale().load(), 20.0f);
+    EXPECT_EQ(TestAnalysisMod::seen().width.load(), 30);
+    EXPECT_FLOAT_EQ(TestAnalysisMod::seen().scale.load(), 20.0f);
 }
 
 TEST_F(CachedRunner, CancelStopsBeforeTheNextStage)

@@ -78,31 +78,21 @@ public:
     bool needsAnalysis() const override { return true; }
     void analyze(FlexImageFloat* image, const ImageModApplyContext* context) override
     {
-        lastWidth().store(image->width);
-        lastHeight().store(image->height);
-        lastScale().store(image->scale);
-        lastHadFrame().store(context && context->referenceFrame);
+        seen().width.store(image->width);
+        seen().height.store(image->height);
+        seen().scale.store(image->scale);
+        seen().frame.store(context && context->referenceFrame);
         TestCountMod::analyze(image, context);
     }
-    static std::atomic<int>& lastWidth()
+    struct Seen {
+        std::atomic<int> width{0}, height{0};
+        std::atomic<float> scale{0.0f};
+        std::atomic<bool> frame{false};
+    };
+    static Seen& seen()
     {
-        static std::atomic<int> v{0};
-        return v;
-    }
-    static std::atomic<int>& lastHeight()
-    {
-        static std::atomic<int> v{0};
-        return v;
-    }
-    static std::atomic<float>& lastScale()
-    {
-        static std::atomic<float> v{0};
-        return v;
-    }
-    static std::atomic<bool>& lastHadFrame()
-    {
-        static std::atomic<bool> v{false};
-        return v;
+        static Seen s;
+        return s;
     }
 };
 
