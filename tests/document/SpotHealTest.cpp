@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -64,16 +65,9 @@ TEST(SpotHealGeometry, DiameterFollowsTheZoomAndNeverFallsBelowOne)
 
 TEST(SpotHealGeometry, WorkRectangleIsSixDiametersClampedToTheImage)
 {
-    const SpotHealRect mid = spotHealRect(200, 100, 100, 50, 5);
-    EXPECT_EQ(mid.x, 85);
-    EXPECT_EQ(mid.y, 35);
-    EXPECT_EQ(mid.width, 30);
-    EXPECT_EQ(mid.height, 30);
-    const SpotHealRect corner = spotHealRect(200, 100, 2, 98, 5);
-    EXPECT_EQ(corner.x, 0);
-    EXPECT_EQ(corner.y, 83);
-    EXPECT_EQ(corner.width, 17);
-    EXPECT_EQ(corner.height, 17);
+    auto box = [](const SpotHealRect& r) { return std::make_tuple(r.x, r.y, r.width, r.height); };
+    EXPECT_EQ(box(spotHealRect(200, 100, 100, 50, 5)), std::make_tuple(85, 35, 30, 30));
+    EXPECT_EQ(box(spotHealRect(200, 100, 2, 98, 5)), std::make_tuple(0, 83, 17, 17));
 }
 
 TEST(SpotHealMask, SoftDiscOpaqueInsideHalfTheRadiusAndClearOutside)
