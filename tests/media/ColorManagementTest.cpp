@@ -112,14 +112,8 @@ TEST(BuiltinIccProfiles, MatchPublishedProfilesOfTheSameSpace)
     }
 }
 
-TEST(ColorSpaceKindList, NamesAndOfferOrder)
+TEST(ColorSpaceKindList, UnknownKindHasNoNameAndNoneIsOfferedOnlyWhenAsked)
 {
-    EXPECT_STREQ(colorSpaceKindName(ColorSpaceKind::None), "None");
-    EXPECT_STREQ(colorSpaceKindName(ColorSpaceKind::Custom), "Custom");
-    EXPECT_STREQ(colorSpaceKindName(ColorSpaceKind::Display), "Display");
-    EXPECT_STREQ(colorSpaceKindName(ColorSpaceKind::SRGB), "sRGB");
-    EXPECT_STREQ(colorSpaceKindName(ColorSpaceKind::AdobeRGB), "Adobe RGB");
-    EXPECT_STREQ(colorSpaceKindName(ColorSpaceKind::Rec709), "Rec. 709");
     EXPECT_STREQ(colorSpaceKindName(ColorSpaceKind(9)), "");
     const std::vector<ColorSpaceKind> all = colorSpaceOfferList(true);
     const std::vector<ColorSpaceKind> want = {ColorSpaceKind::None, ColorSpaceKind::Display, ColorSpaceKind::SRGB,
