@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -163,27 +164,55 @@ TEST(HistogramDataHistograms, RefusesWhatItCannotMeasure)
 // ---------------------------------------------------------------------------------------------
 // Waveforms
 
-TEST(HistogramDataWaveform, LuminanceRowsAndBrightnessFollowHits)
+TEST(HistogramDataWaveform, HitsLandOnTheirRowsWithTheirBrightness)
 {
-    // Three rows of the same values: each hit adds 20 to the grey.
-    FlexImageFloat img(4, 3, 3);
-    fill(img, 0.0f);
-    for (int32_t y = 0; y < 3; ++y) {
-        setPixel(img, 0, y, 0.0f, 0.0f, 0.0f);
-        setPixel(img, 1, y, 100.0f, 100.0f, 100.0f);
-        setPixel(img, 2, y, 0.0f, 100.0f, 0.0f); // 58.7
-        setPixel(img, 3, y, 255.0f, 255.0f, 255.0f);
+    using Px = std::array<float, 3>;
+    struct Hit {
+        int32_t x, y;
+        uint32_t word;
+    };
+    struct Case {
+        const char* what;
+        int32_t w, h;
+        std::vector<Px> pixels; // row by row
+        int32_t graph, scopeWidth;
+        std::vector<Hit> hits;  // and nothing else is lit
+    };
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const Px k{0, 0, 0}, grey{100, 100, 100}, green{0, 100, 0}, white{255, 255, 255}, light{200, 200, 200};
+    const Px over{300, 300, 300}, under{-50, -50, -50}, nanRed{nan, 0, 0}, mixed{10, 20, 30.5f}, even{50, 50, 50};
+    const uint32_t one = 0xff141414u, three = 0xff3c3c3cu, rgbOne = 0xff0a0a0au;
+    const Case cases[] = {
+        // Three rows alike: each hit adds 20 to the grey; green alone weighs 58.7.
+        {"luma", 4, 3, {k, grey, green, white, k, grey, green, white, k, grey, green, white},
+         HistogramData::LuminanceWaveform, 4, {{0, 255, three}, {1, 155, three}, {2, 197, three}, {3, 0, three}}},
+        // Out of range clamps to the edges, NaN to black.
+        {"luma clamps", 3, 1, {over, under, nanRed}, HistogramData::LuminanceWaveform, 3,
+         {{0, 0, one}, {1, 255, one}, {2, 255, one}}},
+        {"rgb clamps", 3, 1, {over, under, nanRed}, HistogramData::RgbWaveform, 3,
+         {{0, 0, rgbOne}, {1, 255, rgbOne}, {2, 255, rgbOne}}},
+        // A one-pixel-wide image feeds every scope column.
+        {"one column", 1, 2, {k, light}, HistogramData::LuminanceWaveform, 5,
+         {{0, 255, one}, {1, 255, one}, {2, 255, one}, {3, 255, one}, {4, 255, one},
+          {0, 55, one}, {1, 55, one}, {2, 55, one}, {3, 55, one}, {4, 55, one}}},
+        // RGB raises only the channel hit; all three on one row make a grey of two hits each.
+        {"rgb", 2, 2, {mixed, even, mixed, even}, HistogramData::RgbWaveform, 2,
+         {{0, 245, 0xff140000u}, {0, 235, 0xff001400u}, {0, 225, 0xff000014u}, {1, 205, one}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        FlexImageFloat img(c.w, c.h, 3);
+        for (int32_t i = 0; i < c.w * c.h; ++i)
+            setPixel(img, i % c.w, i / c.w, c.pixels[size_t(i)][0], c.pixels[size_t(i)][1], c.pixels[size_t(i)][2]);
+        HistogramData d;
+        ASSERT_TRUE(d.compute(img, c.graph, c.scopeWidth, 50));
+        EXPECT_EQ(d.scopeWidth, c.scopeWidth);
+        EXPECT_EQ(d.scopeHeight, 256);
+        ASSERT_EQ(d.scope.size(), size_t(c.scopeWidth * 256));
+        for (const Hit& h : c.hits)
+            EXPECT_EQ(scopeAt(d, h.x, h.y), h.word) << h.x << "," << h.y;
+        EXPECT_EQ(countNonZero(d), int32_t(c.hits.size()));
     }
-    HistogramData d;
-    ASSERT_TRUE(d.compute(img, HistogramData::LuminanceWaveform, 4, 50));
-    EXPECT_EQ(d.scopeWidth, 4);
-    EXPECT_EQ(d.scopeHeight, 256);
-    ASSERT_EQ(d.scope.size(), size_t(4 * 256));
-    EXPECT_EQ(scopeAt(d, 0, 255), 0xff3c3c3cu);
-    EXPECT_EQ(scopeAt(d, 1, 155), 0xff3c3c3cu);
-    EXPECT_EQ(scopeAt(d, 2, 197), 0xff3c3c3cu);
-    EXPECT_EQ(scopeAt(d, 3, 0), 0xff3c3c3cu);
-    EXPECT_EQ(countNonZero(d), 4);
 }
 
 TEST(HistogramDataWaveform, HitsSaturateAt255)
@@ -198,55 +227,6 @@ TEST(HistogramDataWaveform, HitsSaturateAt255)
     EXPECT_EQ(scopeAt(d, 1, 127), 0xffffffffu);
     ASSERT_TRUE(d.compute(rgb, HistogramData::RgbWaveform, 2, 0));
     EXPECT_EQ(scopeAt(d, 0, 165), 0xffffffffu);
-}
-
-TEST(HistogramDataWaveform, OutOfRangeSamplesClampToTheEdges)
-{
-    FlexImageFloat img(3, 1, 3);
-    setPixel(img, 0, 0, 300.0f, 300.0f, 300.0f);
-    setPixel(img, 1, 0, -50.0f, -50.0f, -50.0f);
-    setPixel(img, 2, 0, std::numeric_limits<float>::quiet_NaN(), 0.0f, 0.0f);
-    HistogramData d;
-    ASSERT_TRUE(d.compute(img, HistogramData::LuminanceWaveform, 3, 0));
-    EXPECT_EQ(scopeAt(d, 0, 0), 0xff141414u);
-    EXPECT_EQ(scopeAt(d, 1, 255), 0xff141414u);
-    EXPECT_EQ(scopeAt(d, 2, 255), 0xff141414u);
-    EXPECT_EQ(countNonZero(d), 3);
-    ASSERT_TRUE(d.compute(img, HistogramData::RgbWaveform, 3, 0));
-    EXPECT_EQ(scopeAt(d, 0, 0), 0xff0a0a0au);
-    EXPECT_EQ(scopeAt(d, 1, 255), 0xff0a0a0au);
-}
-
-TEST(HistogramDataWaveform, OnePixelWideImageFeedsEveryColumn)
-{
-    FlexImageFloat img(1, 2, 3);
-    fill(img, 0.0f);
-    setPixel(img, 0, 1, 200.0f, 200.0f, 200.0f);
-    HistogramData d;
-    ASSERT_TRUE(d.compute(img, HistogramData::LuminanceWaveform, 5, 0));
-    for (int32_t x = 0; x < 5; ++x) {
-        EXPECT_EQ(scopeAt(d, x, 255), 0xff141414u);
-        EXPECT_EQ(scopeAt(d, x, 55), 0xff141414u);
-    }
-    EXPECT_EQ(countNonZero(d), 10);
-}
-
-TEST(HistogramDataWaveform, RgbRaisesOnlyTheChannelHit)
-{
-    FlexImageFloat img(2, 2, 3);
-    fill(img, 0.0f);
-    for (int32_t y = 0; y < 2; ++y) {
-        setPixel(img, 0, y, 10.0f, 20.0f, 30.5f);
-        setPixel(img, 1, y, 50.0f, 50.0f, 50.0f);
-    }
-    HistogramData d;
-    ASSERT_TRUE(d.compute(img, HistogramData::RgbWaveform, 2, 0));
-    EXPECT_EQ(scopeAt(d, 0, 245), 0xff140000u);
-    EXPECT_EQ(scopeAt(d, 0, 235), 0xff001400u);
-    EXPECT_EQ(scopeAt(d, 0, 225), 0xff000014u);
-    // All three channels on one row: a grey of two hits each.
-    EXPECT_EQ(scopeAt(d, 1, 205), 0xff141414u);
-    EXPECT_EQ(countNonZero(d), 4);
 }
 
 // ---------------------------------------------------------------------------------------------
