@@ -21,6 +21,14 @@ std::vector<uint8_t> header(uint32_t w, uint32_t h, const char* magic = "RGBA8XX
     return b;
 }
 
+// A whole file: the header and then the given pixel bytes.
+std::vector<uint8_t> fileOf(uint32_t w, uint32_t h, std::initializer_list<uint8_t> pixels)
+{
+    std::vector<uint8_t> b = header(w, h);
+    b.insert(b.end(), pixels);
+    return b;
+}
+
 } // namespace
 
 TEST(NativeImageTest, FloatSamplesWriteTheirLowByte)
@@ -31,10 +39,7 @@ TEST(NativeImageTest, FloatSamplesWriteTheirLowByte)
     std::memcpy(img.data, v, sizeof v);
     const std::string path = folder.path("f.vni");
     ASSERT_TRUE(WriteNativeImage(img, path));
-    std::vector<uint8_t> want = header(3, 1);
-    want.insert(want.end(), {44, 255, 12, 255, 255, 0, 0, 255, 1, 2, 3, 255});
-    EXPECT_EQ(readFileBytes(path), want);
-    EXPECT_EQ(readFileBytes(path).size(), 20u + 4u * 3u);
+    EXPECT_EQ(readFileBytes(path), fileOf(3, 1, {44, 255, 12, 255, 255, 0, 0, 255, 1, 2, 3, 255}));
     EXPECT_FALSE(WriteNativeImage(img, folder.path("g.vni"), 2)); // unknown mode
 }
 
@@ -45,9 +50,8 @@ TEST(NativeImageTest, ChannelCountsOnWrite)
     one.data[0] = 9;
     one.data[1] = 10;
     ASSERT_TRUE(WriteNativeImage(one, folder.path("one.vni")));
-    std::vector<uint8_t> want = header(2, 1);
-    want.insert(want.end(), {9, 255, 255, 255, 10, 255, 255, 255}); // not spread over the colours
-    EXPECT_EQ(readFileBytes(folder.path("one.vni")), want);
+    // Not spread over the colours.
+    EXPECT_EQ(readFileBytes(folder.path("one.vni")), fileOf(2, 1, {9, 255, 255, 255, 10, 255, 255, 255}));
 
     FlexImage8 none(2, 2, 3);
     none.channels = 0;
@@ -78,16 +82,12 @@ TEST(NativeImageTest, ThreeChannelRoundTripAndCompactForms)
     const uint16_t s[6] = {0x1234, 0xABCD, 0x00FF, 0xFFFF, 0x0100, 0x8000};
     std::memcpy(wide.data, s, sizeof s);
     ASSERT_TRUE(WriteNativeImage(wide, folder.path("wide.vni")));
-    std::vector<uint8_t> want = header(2, 1);
-    want.insert(want.end(), {0x12, 0xAB, 0x00, 255, 0xFF, 0x01, 0x80, 255});
-    EXPECT_EQ(readFileBytes(folder.path("wide.vni")), want);
+    EXPECT_EQ(readFileBytes(folder.path("wide.vni")), fileOf(2, 1, {0x12, 0xAB, 0x00, 255, 0xFF, 0x01, 0x80, 255}));
     CompactImage grey;
     ASSERT_TRUE(grey.allocate(1, 1, CompactImage::Grey, false));
     grey.row8(0)[0] = 77;
     ASSERT_TRUE(WriteNativeImage(grey, folder.path("grey.vni")));
-    std::vector<uint8_t> g = header(1, 1);
-    g.insert(g.end(), {77, 77, 77, 255});
-    EXPECT_EQ(readFileBytes(folder.path("grey.vni")), g);
+    EXPECT_EQ(readFileBytes(folder.path("grey.vni")), fileOf(1, 1, {77, 77, 77, 255}));
 
     CompactImage in;
     ASSERT_TRUE(ReadNativeImage(folder.path("wide.vni"), in));
@@ -100,9 +100,7 @@ TEST(NativeImageTest, ShortFilesEndInWhiteAndBadHeadersFail)
 {
     TempFolder folder;
     // 2 x 2 with one pixel of data: one pixel and three white ones.
-    std::vector<uint8_t> b = header(2, 2);
-    b.insert(b.end(), {1, 2, 3, 4});
-    writeFileBytes(folder.path("short.vni"), b);
+    writeFileBytes(folder.path("short.vni"), fileOf(2, 2, {1, 2, 3, 4}));
     FlexImageFloat f(1, 1, 4);
     ASSERT_TRUE(ReadNativeImage(folder.path("short.vni"), f));
     ASSERT_EQ(f.width, 2);
