@@ -188,6 +188,16 @@ TEST_F(CachedRunner, BorderAddedOrChangedFlushes)
     EXPECT_EQ(countsOf(4), (std::vector<int>{1, 1, 1, 1}));
 }
 
+TEST_F(CachedRunner, BorderAddedWithAMoveOfTheCachedTileRunsEverything)
+{
+    // The list still matches up to the kept stage, but the border changes every stage's layout.
+    ASSERT_NO_FATAL_FAILURE(prime(4, 3));
+    list.add(std::make_unique<TestBorderMod>());
+    setAmount(3, 8.0f);
+    run();
+    EXPECT_EQ(countsOf(4), (std::vector<int>{1, 1, 1, 1}));
+}
+
 TEST(ModSequenceRunner, CompoundAtFullStrengthOpensIntoStages)
 {
     auto makeGroup = [](float amount) {
