@@ -17,43 +17,31 @@ void numbered(FlexImageFloat& img)
 
 } // namespace
 
-TEST(QuarterTurn, ClockwiseMovesTheLeftColumnToTheTop)
+TEST(QuarterTurn, EachDirectionExactlyAndRoundTrips)
 {
-    FlexImageFloat img;
+    // Clockwise the left column goes to the top: 3 0 / 4 1 / 5 2; counter-clockwise: 2 5 / 1 4 / 0 3.
+    const float clockwise[3][2] = {{3, 0}, {4, 1}, {5, 2}}, counter[3][2] = {{2, 5}, {1, 4}, {0, 3}};
+    for (const bool cw : {true, false}) {
+        FlexImageFloat img;
+        numbered(img);
+        ASSERT_TRUE(turnQuarter(img, cw));
+        ASSERT_EQ(img.width, 2);
+        ASSERT_EQ(img.height, 3);
+        const float(&expected)[3][2] = cw ? clockwise : counter;
+        for (int32_t y = 0; y < 3; ++y)
+            for (int32_t x = 0; x < 2; ++x) {
+                EXPECT_EQ(img.row(y)[x * 2], expected[y][x]) << (cw ? "cw " : "ccw ") << x << "," << y;
+                EXPECT_EQ(img.row(y)[x * 2 + 1], 100.0f + expected[y][x]);
+            }
+    }
+    // One turn each way, then four the same way, come back to the start.
+    FlexImageFloat img, ref;
     numbered(img);
-    FlexImageFloat* same = &img;
-    ASSERT_TRUE(turnQuarter(img, true));
-    EXPECT_EQ(same, &img);
-    ASSERT_EQ(img.width, 2);
-    ASSERT_EQ(img.height, 3);
-    // Clockwise: 3 0 / 4 1 / 5 2.
-    const float expected[3][2] = {{3, 0}, {4, 1}, {5, 2}};
-    for (int32_t y = 0; y < 3; ++y)
-        for (int32_t x = 0; x < 2; ++x) {
-            EXPECT_EQ(img.row(y)[x * 2], expected[y][x]) << x << "," << y;
-            EXPECT_EQ(img.row(y)[x * 2 + 1], 100.0f + expected[y][x]);
-        }
-}
-
-TEST(QuarterTurn, CounterClockwiseAndRoundTrips)
-{
-    FlexImageFloat img;
-    numbered(img);
-    ASSERT_TRUE(turnQuarter(img, false));
-    // Counter-clockwise: 2 5 / 1 4 / 0 3.
-    EXPECT_EQ(img.row(0)[0], 2.0f);
-    EXPECT_EQ(img.row(0)[2], 5.0f);
-    EXPECT_EQ(img.row(2)[0], 0.0f);
-    EXPECT_EQ(img.row(2)[2], 3.0f);
-    ASSERT_TRUE(turnQuarter(img, true));
-    FlexImageFloat ref;
     numbered(ref);
-    ASSERT_EQ(img.width, 3);
-    for (int32_t i = 0; i < 12; ++i)
-        EXPECT_EQ(img.data[i], ref.data[i]);
-    // Four turns the same way come back too.
-    for (int k = 0; k < 4; ++k)
+    ASSERT_TRUE(turnQuarter(img, false));
+    for (int k = 0; k < 5; ++k)
         ASSERT_TRUE(turnQuarter(img, true));
+    ASSERT_EQ(img.width, 3);
     for (int32_t i = 0; i < 12; ++i)
         EXPECT_EQ(img.data[i], ref.data[i]);
 }
