@@ -113,42 +113,31 @@ private slots:
         gOffsetApplies = 0;
     }
 
-    void smallImageStaysAtItsSizeCentred()
+    void theFitCentresInsideATenPixelMargin()
     {
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(100, 100));
-        QCOMPARE(drawRectOf(w), QRect(450, 350, 100, 100));
-        QCOMPARE(w.zoom, 1.0f);
-        QVERIFY(w.fitToWindow);
-        QVERIFY(waitIdle(w));
-    }
-
-    void wideImageFitsInsideTheMargin()
-    {
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(2000, 500));
-        QCOMPARE(w.zoom, 980.0f / 2000.0f);
-        QCOMPARE(drawRectOf(w), QRect(10, 277, 980, 245)); // 500 * 0.49 = 245, (800 - 245) / 2 = 277.5
-        QVERIFY(waitIdle(w));
-        // A tall one is bound by the height instead, from its unscaled height.
-        MVMediaWidget t;
-        t.resize(1000, 800);
-        t.setSource(gradientImage(900, 1560));
-        QCOMPARE(t.zoom, 780.0f / 1560.0f);
-        QCOMPARE(drawRectOf(t), QRect(275, 10, 450, 780));
-        QVERIFY(waitIdle(t));
-    }
-
-    void devicePixelRatioHalvesTheLogicalSize()
-    {
-        gDevicePixelRatio = 2.0f;
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(301, 200)); // 150.5 rounds away from zero
-        QCOMPARE(drawRectOf(w), QRect(424, 350, 151, 100));
-        QVERIFY(waitIdle(w));
+        // A 1000 x 800 view: a small picture stays at its size, a large one is bound by its tighter side.
+        const struct {
+            int w, h;
+            float ratio;
+            QRect drawn;
+            float zoom; // 0: not checked
+        } cases[] = {
+            {100, 100, 1.0f, QRect(450, 350, 100, 100), 1.0f},
+            {2000, 500, 1.0f, QRect(10, 277, 980, 245), 980.0f / 2000.0f}, // (800 - 245) / 2 = 277.5
+            {900, 1560, 1.0f, QRect(275, 10, 450, 780), 780.0f / 1560.0f}, // from the unscaled height
+            {301, 200, 2.0f, QRect(424, 350, 151, 100), 0.0f},             // half size: 150.5 rounds away from zero
+        };
+        for (const auto& c : cases) {
+            gDevicePixelRatio = c.ratio;
+            MVMediaWidget w;
+            w.resize(1000, 800);
+            w.setSource(gradientImage(c.w, c.h));
+            QVERIFY2(drawRectOf(w) == c.drawn, qPrintable(QStringLiteral("%1x%2").arg(c.w).arg(c.h)));
+            QVERIFY(w.fitToWindow);
+            if (c.zoom > 0.0f)
+                QCOMPARE(w.zoom, c.zoom);
+            QVERIFY(waitIdle(w));
+        }
     }
 
     void wheelZoomStopsAtATenthOfTheFit()
