@@ -213,16 +213,6 @@ private slots:
         QCOMPARE(QApplication::palette().color(QPalette::Disabled, QPalette::Text), rgb(40));
     }
 
-    void styleSheetTextIsExact()
-    {
-        QCOMPARE(AppTheme::styleSheet(),
-                 QStringLiteral("QWidget {color: #ffffff;font: 11px 'Bitstream Vera Sans';}"
-                                "QWidget[enabled=\"false\"] {color: #777777;}"
-                                "QWidget:disabled {color: #777777;}"));
-        MainWindow w(AppTheme::styleSheet());
-        QCOMPARE(w.styleSheet(), AppTheme::styleSheet());
-    }
-
     void bundledFontsRegisterTheVeraFamily()
     {
         QVERIFY(AppStartup::loadFonts());
@@ -315,10 +305,6 @@ private slots:
             QCOMPARE(QImage(base + ".png").size(), a.size);
             QCOMPARE(QImage(base + "@2x.png").size(), a.size * 2);
         }
-        const QString sheet = MVStartupWindow::buttonStyleSheet();
-        QCOMPARE(sheet, QStringLiteral("QPushButton {border: 0px;border-image: url(:/img/startup_loadphoto.png);}"
-                                       "QPushButton:hover {background:none;"
-                                       "border-image: url(:/img/startup_loadphoto_high.png);}"));
     }
 };
 

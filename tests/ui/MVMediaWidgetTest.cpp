@@ -93,6 +93,15 @@ void wheel(MVMediaWidget& w, QPoint at, int delta)
     QCoreApplication::sendEvent(&w, &e);
 }
 
+// A viewer of the given size showing image from the start.
+struct Viewer : MVMediaWidget {
+    Viewer(int width, int height, FlexImageFloat* image)
+    {
+        resize(width, height);
+        setSource(image);
+    }
+};
+
 QRect drawRectOf(const MVMediaWidget& w)
 {
     return QRect(int(w.drawX), int(w.drawY), int(w.drawWidth), int(w.drawHeight));
@@ -113,49 +122,34 @@ private slots:
         gOffsetApplies = 0;
     }
 
-    void smallImageStaysAtItsSizeCentred()
+    void theFitCentresInsideATenPixelMargin()
     {
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(100, 100));
-        QCOMPARE(drawRectOf(w), QRect(450, 350, 100, 100));
-        QCOMPARE(w.zoom, 1.0f);
-        QVERIFY(w.fitToWindow);
-        QVERIFY(waitIdle(w));
-    }
-
-    void wideImageFitsInsideTheMargin()
-    {
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(2000, 500));
-        QCOMPARE(w.zoom, 980.0f / 2000.0f);
-        QCOMPARE(drawRectOf(w), QRect(10, 277, 980, 245)); // 500 * 0.49 = 245, (800 - 245) / 2 = 277.5
-        QVERIFY(waitIdle(w));
-        // A tall one is bound by the height instead, from its unscaled height.
-        MVMediaWidget t;
-        t.resize(1000, 800);
-        t.setSource(gradientImage(900, 1560));
-        QCOMPARE(t.zoom, 780.0f / 1560.0f);
-        QCOMPARE(drawRectOf(t), QRect(275, 10, 450, 780));
-        QVERIFY(waitIdle(t));
-    }
-
-    void devicePixelRatioHalvesTheLogicalSize()
-    {
-        gDevicePixelRatio = 2.0f;
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(301, 200)); // 150.5 rounds away from zero
-        QCOMPARE(drawRectOf(w), QRect(424, 350, 151, 100));
-        QVERIFY(waitIdle(w));
+        // A 1000 x 800 view: a small picture stays at its size, a large one is bound by its tighter side.
+        const struct {
+            int w, h;
+            float ratio;
+            QRect drawn;
+            float zoom; // 0: not checked
+        } cases[] = {
+            {100, 100, 1.0f, QRect(450, 350, 100, 100), 1.0f},
+            {2000, 500, 1.0f, QRect(10, 277, 980, 245), 980.0f / 2000.0f}, // (800 - 245) / 2 = 277.5
+            {900, 1560, 1.0f, QRect(275, 10, 450, 780), 780.0f / 1560.0f}, // from the unscaled height
+            {301, 200, 2.0f, QRect(424, 350, 151, 100), 0.0f},             // half size: 150.5 rounds away from zero
+        };
+        for (const auto& c : cases) {
+            gDevicePixelRatio = c.ratio;
+            Viewer w(1000, 800, gradientImage(c.w, c.h));
+            QVERIFY2(drawRectOf(w) == c.drawn, qPrintable(QStringLiteral("%1x%2").arg(c.w).arg(c.h)));
+            QVERIFY(w.fitToWindow);
+            if (c.zoom > 0.0f)
+                QCOMPARE(w.zoom, c.zoom);
+            QVERIFY(waitIdle(w));
+        }
     }
 
     void wheelZoomStopsAtATenthOfTheFit()
     {
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(2000, 1000));
+        Viewer w(1000, 800, gradientImage(2000, 1000));
         const float fitZoom = std::min(1000.0f / 2000.0f, 800.0f / 1000.0f);
         for (int i = 0; i < 60; ++i)
             wheel(w, QPoint(500, 400), -1200);
@@ -172,9 +166,7 @@ private slots:
 
     void zoomKeepsThePointUnderTheCursor()
     {
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(2000, 1600));
+        Viewer w(1000, 800, gradientImage(2000, 1600));
         // The width bound gives 0.49 and 784 rows, too tall: the height bound 780/1600 wins.
         const QRect fit = drawRectOf(w);
         QCOMPARE(fit, QRect(12, 10, 975, 780));
@@ -195,9 +187,7 @@ private slots:
 
     void panningKeepsAThirdOfTheViewCovered()
     {
-        MVMediaWidget w;
-        w.resize(900, 600);
-        w.setSource(gradientImage(1800, 1200));
+        Viewer w(900, 600, gradientImage(1800, 1200));
         w.zoomTo(1.0f, 450.0f, 300.0f);
         QTest::mousePress(&w, Qt::LeftButton, Qt::NoModifier, QPoint(450, 300));
         // Drag far to the right and down: the left edge stops at vw - vw/3, the top at vh - vh/3.
@@ -220,9 +210,7 @@ private slots:
 
     void doubleClickTogglesBetweenFitAndFullSize()
     {
-        MVMediaWidget w;
-        w.resize(1000, 800);
-        w.setSource(gradientImage(3000, 2000));
+        Viewer w(1000, 800, gradientImage(3000, 2000));
         QVERIFY(w.zoom < 1.0f);
         QTest::mouseDClick(&w, Qt::LeftButton, Qt::NoModifier, QPoint(500, 400));
         QCOMPARE(w.zoom, 1.0f);
@@ -236,9 +224,7 @@ private slots:
 
     void visibleRegionIsThePartOnScreen()
     {
-        MVMediaWidget w;
-        w.resize(400, 300);
-        w.setSource(gradientImage(100, 100));
+        Viewer w(400, 300, gradientImage(100, 100));
         QVERIFY(waitIdle(w));
         int l, t, r, b;
         // Drawn at twice its size from (-100, -50): columns 0..(400+100)*100/200, rows 0..175*100/200.
@@ -309,9 +295,7 @@ private slots:
     void dragOnAFittedViewRunsOnlyTheDraggedTile()
     {
         // The whole picture is in view, so the runner fills the region itself from its cache.
-        MVMediaWidget w;
-        w.resize(300, 200);
-        w.setSource(gradientImage(64, 48));
+        Viewer w(300, 200, gradientImage(64, 48));
         QVERIFY(waitIdle(w));
         OffsetMod first(5.0f), dragged(1.0f);
         w.setMods({&first, &dragged});

@@ -2,7 +2,7 @@
 // rule, a late picture after the hover ended) and the quicklook chooser's scheduling (a few
 // thumbnails at a time, those in view first, folded sections last), its choice and its leaving.
 #include "ResourceInit.h"
-#include "core/ModCatalogue.h"
+#include "TestMods.h"
 #include "document/MVImageWithProcessing.h"
 #include "document/MVPreviewChooser.h"
 #include "document/MVPreviewChooserItem.h"
@@ -14,20 +14,6 @@
 #include <cstdlib>
 
 namespace {
-
-const ModCatalogueContents& catalogue()
-{
-    static const ModCatalogueContents c = buildModCatalogue();
-    return c;
-}
-
-std::unique_ptr<ImageMod> make(const char* name)
-{
-    std::unique_ptr<ImageMod> m = createMod(catalogue().mods, name);
-    if (!m)
-        qFatal("no mod named %s", name);
-    return m;
-}
 
 // A colourful ramp: red across, green down, blue constant.
 void fillRamp(FlexImageFloat& img, int w, int h)

@@ -23,8 +23,6 @@
 
 namespace {
 
-const QString kPhoto = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
-
 void moveTo(QWidget* w, QPoint p)
 {
     QMouseEvent ev(QEvent::MouseMove, p, w->mapToGlobal(p), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
@@ -37,6 +35,25 @@ float viewerAmount(MVMediaWidget* v)
     std::lock_guard<std::mutex> lock(v->stateMutex);
     return v->mods.empty() ? -1.0f : v->mods.front()->floatValue(0);
 }
+
+// A left drag along a slider through fractions of its track; the release is at the last one.
+void dragSlider(MVSlider* s, std::initializer_list<float> fractions)
+{
+    const float left = s->getTrackLeft(), right = s->getTrackRight();
+    auto at = [&](float t) { return QPoint(int(left + 1.0f + t * (right - left)), 11); };
+    QTest::mousePress(s, Qt::LeftButton, Qt::NoModifier, at(*fractions.begin()));
+    for (auto t = fractions.begin() + 1; t != fractions.end(); ++t)
+        moveTo(s, at(*t));
+    QTest::mouseRelease(s, Qt::LeftButton, Qt::NoModifier, at(*(fractions.end() - 1)));
+}
+
+struct ShownWindow : MainWindow {
+    ShownWindow() : MainWindow(AppTheme::styleSheet())
+    {
+        resize(1200, 800);
+        show();
+    }
+};
 
 void hover(MainWindow& w, QPoint inCentral)
 {
@@ -58,9 +75,7 @@ private slots:
 
     void columnSitsAboveTheTray()
     {
-        MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        w.show();
+        ShownWindow w;
         std::unique_ptr<ImageMod> curves = createMod(catalogue.mods, "Curves");
         QVERIFY(curves);
         w.showControlsFor(curves.get());
@@ -88,9 +103,7 @@ private slots:
 
     void dragIsOneUndoStepAndReachesTheViewer()
     {
-        MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        w.show();
+        ShownWindow w;
         std::unique_ptr<ImageMod> curves = createMod(catalogue.mods, "Curves");
         MVMediaWidget* viewer = w.currentViewer();
         viewer->setMods({curves.get()});
@@ -99,11 +112,7 @@ private slots:
         QVERIFY(slider);
         const QString titleBefore = w.windowTitle();
 
-        const float left = slider->getTrackLeft(), right = slider->getTrackRight();
-        QTest::mousePress(slider, Qt::LeftButton, Qt::NoModifier, QPoint(int(left + 1.0f + 0.8f * (right - left)), 11));
-        moveTo(slider, QPoint(int(left + 1.0f + 0.5f * (right - left)), 11));
-        moveTo(slider, QPoint(int(left + 1.0f), 11));
-        QTest::mouseRelease(slider, Qt::LeftButton, Qt::NoModifier, QPoint(int(left + 1.0f), 11));
+        dragSlider(slider, {0.8f, 0.5f, 0.0f});
         QCOMPARE(w.adjustUndoRequests, 1);
         QCOMPARE(curves->floatValue(0), 0.0f);
         // The viewer works on its own clone, which got the value of the last change.
@@ -125,9 +134,7 @@ private slots:
     // step, and becomes the family of later text tiles and the "LastFont" preference.
     void pickingAFontIsRemembered()
     {
-        MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        w.show();
+        ShownWindow w;
         std::unique_ptr<ImageMod> text = createMod(catalogue.mods, "Text Overlay");
         auto* overlay = dynamic_cast<ImageModTextOverlay*>(text.get());
         QVERIFY(overlay);
@@ -175,9 +182,7 @@ private slots:
 
     void trayTileDragIsOneUndoStep()
     {
-        MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        w.show();
+        ShownWindow w;
         TrayWidget* tray = w.currentTray();
         QVERIFY(tray);
         std::unique_ptr<ImageMod> curves = createMod(catalogue.mods, "Curves");
@@ -190,11 +195,7 @@ private slots:
         auto* slider = qobject_cast<MVSlider*>(w.controlColumn->controlForVariable(0));
         QVERIFY(slider);
 
-        const float left = slider->getTrackLeft(), right = slider->getTrackRight();
-        QTest::mousePress(slider, Qt::LeftButton, Qt::NoModifier, QPoint(int(left + 1.0f + 0.5f * (right - left)), 11));
-        moveTo(slider, QPoint(int(left + 1.0f + 0.25f * (right - left)), 11));
-        moveTo(slider, QPoint(-50, 11));
-        QTest::mouseRelease(slider, Qt::LeftButton, Qt::NoModifier, QPoint(-50, 11));
+        dragSlider(slider, {0.5f, 0.25f, -0.5f}); // ends past the track's left end
         QCOMPARE(tile->floatValue(0), 0.0f);
         QVERIFY(tray->modified);
         // The viewer runs the tray's list, with the tile's new value.
@@ -245,9 +246,7 @@ private slots:
 
     void autohideFollowsTheCursorHeight()
     {
-        MainWindow w(AppTheme::styleSheet());
-        w.resize(1200, 800);
-        w.show();
+        ShownWindow w;
         std::unique_ptr<ImageMod> tone = createMod(catalogue.mods, "Split Tone");
         QVERIFY(tone);
         w.showControlsFor(tone.get());
@@ -290,40 +289,6 @@ private slots:
         QVERIFY(w.triggerActionByText(QStringLiteral("Autohide Controls")));
         QVERIFY(QTest::qWaitFor([&] { return !column->isHidden() && w.controlsOpacity->opacity() == 1.0; }, 2000));
         w.showControlsFor(nullptr);
-    }
-
-    void screenshotWithControls()
-    {
-        // Writes pictures for a person to look at when VANTREL_SHOT_DIR is set.
-        const QByteArray dir = qgetenv("VANTREL_SHOT_DIR");
-        if (dir.isEmpty() || !QFile::exists(kPhoto))
-            QSKIP("no screenshot folder or no photo");
-        for (const char* name : {"Curves", "Split Tone", "Vignette", "HSV Mask", "Text Overlay"}) {
-            MainWindow w(AppTheme::styleSheet());
-            w.resize(1600, 1000);
-            QVERIFY(w.loadFile(kPhoto));
-            // The real road: a tile in the tray, selected, its controls over the picture.
-            TrayWidget* tray = w.currentTray();
-            QVERIFY(tray);
-            for (const char* other : {"Exposure", "Saturation"})
-                if (std::unique_ptr<ImageMod> extra = createMod(catalogue.mods, other))
-                    tray->addMod(*extra);
-            std::unique_ptr<ImageMod> mod = createMod(catalogue.mods, name);
-            QVERIFY(mod);
-            if (std::string(name) == "Curves")
-                mod->variableAt(1)->asCurve()->curve.setFromString("0 0 0.25 0.18 0.75 0.86 1 1");
-            const int index = tray->addMod(*mod);
-            QVERIFY(index >= 0);
-            w.trayContentChanged();
-            tray->setSelected(index);
-            w.traySelectionChanged();
-            QCOMPARE(w.controlledMod, tray->modAt(index));
-            QVERIFY(QTest::qWaitFor([&w] { return w.displaySettled(); }, 15000));
-            QTest::qWait(100);
-            w.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/controls_") +
-                          QString::fromLatin1(name).replace(QLatin1Char(' '), QLatin1Char('_')) + QStringLiteral(".png"));
-            w.showControlsFor(nullptr);
-        }
     }
 
 private:

@@ -252,47 +252,6 @@ private slots:
         QVERIFY(!w.currentViewer()->suspendRunner);
         QVERIFY(settle(w));
     }
-
-    // With VANTREL_TOOL_SHOTS set (under Xvfb), the tools in the real window.
-    void shotsInTheWindow()
-    {
-        const QByteArray dir = qgetenv("VANTREL_TOOL_SHOTS");
-        if (dir.isEmpty())
-            QSKIP("VANTREL_TOOL_SHOTS not set");
-        MainWindow w(AppTheme::styleSheet());
-        w.resize(1400, 900);
-        w.show();
-        QVERIFY(w.loadFile(kPhoto));
-        QVERIFY(settle(w));
-        w.startTool(0);
-        auto* crop = qobject_cast<MVToolWidgetCrop*>(w.activeTool);
-        QVERIFY(crop);
-        crop->chooseAspect(cropAspectRow(crop->cropCopy, "5:4"));
-        crop->geometry.leftInset = 0.1f;
-        crop->geometry.rightInset = 0.15f;
-        crop->geometry.topInset = 0.05f;
-        crop->geometry.bottomInset = 0.1f;
-        crop->setStraighten(-4.0f);
-        QTest::qWait(700);
-        QVERIFY(settle(w));
-        w.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/window_crop.png"));
-        crop->controlChanged(crop->doneButton);
-        QVERIFY(settle(w));
-        QTest::qWait(400);
-        QVERIFY(settle(w));
-        w.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/window_cropped.png"));
-        w.startTool(1);
-        auto* heal = qobject_cast<MVToolWidgetRetouch*>(w.activeTool);
-        QVERIFY(heal);
-        QVERIFY(settle(w));
-        QMouseEvent move(QEvent::MouseMove, QPointF(640, 360), heal->mapToGlobal(QPoint(640, 360)), Qt::NoButton,
-                         Qt::NoButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(heal, &move);
-        QTest::qWait(200);
-        w.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/window_heal.png"));
-        heal->controlChanged(heal->doneButton);
-        QVERIFY(settle(w));
-    }
 };
 
 QTEST_MAIN(MainWindowToolsTest)

@@ -1,7 +1,7 @@
 // The main window's side of the tray: a tray per tab, filter files in and out (a damaged file
 // keeps what could be read), presets, remix as one undo step, the menu's undo, deleting tiles.
 #include "ResourceInit.h"
-#include "core/ModCatalogue.h"
+#include "TestMods.h"
 #include "filters/FilterFile.h"
 #include "ui/AppTheme.h"
 #include "ui/MainWindow.h"
@@ -16,28 +16,6 @@
 #include <QtTest/QtTest>
 
 namespace {
-
-const ModCatalogueContents& catalogue()
-{
-    static const ModCatalogueContents c = buildModCatalogue();
-    return c;
-}
-
-std::unique_ptr<ImageMod> make(const char* name)
-{
-    std::unique_ptr<ImageMod> m = createMod(catalogue().mods, name);
-    if (!m)
-        qFatal("no mod named %s", name);
-    return m;
-}
-
-QStringList names(const TrayWidget& tray)
-{
-    QStringList out;
-    for (int i = 0; i < tray.tileCount(); ++i)
-        out << QString::fromStdString(tray.modAt(i)->name);
-    return out;
-}
 
 // Drops reach the window only through a running drag; the test hands them over directly.
 class DropWindow : public MainWindow {
@@ -54,7 +32,7 @@ struct Window {
     QString text;
     QString file;
 
-    Window()
+    explicit Window(std::initializer_list<const char*> tiles = {})
     {
         w.resize(1200, 800);
         w.show();
@@ -72,6 +50,7 @@ struct Window {
             return true;
         };
         w.fileDialogHook = [this](bool, const QString&, const QString&, const QString&) { return file; };
+        addTiles(tray(), tiles);
     }
     TrayWidget& tray() { return *w.currentTray(); }
 };
@@ -92,6 +71,15 @@ class MainWindowTrayTest : public QObject
         list[0]->variables[0]->setFloatValue(firstValue);
         const QString path = dir.path() + QLatin1Char('/') + QLatin1String(fileName);
         if (!writeFilter(list, path.toStdString()))
+            qFatal("could not write %s", qPrintable(path));
+        return path;
+    }
+
+    QString writeFile(const char* fileName, const QByteArray& bytes)
+    {
+        const QString path = dir.path() + QLatin1Char('/') + QLatin1String(fileName);
+        QFile out(path);
+        if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size())
             qFatal("could not write %s", qPrintable(path));
         return path;
     }
@@ -130,14 +118,9 @@ private slots:
         f.close();
         QVERIFY(xml.contains("name=\"Contrast\""));
         xml.replace("name=\"Contrast\"", "name=\"No Such Tile\"");
-        const QString damaged = dir.path() + QStringLiteral("/Damaged_Look.vnf");
-        QFile out(damaged);
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(xml);
-        out.close();
+        const QString damaged = writeFile("Damaged_Look.vnf", xml);
 
-        Window win;
-        win.tray().addMod(*make("Saturation"));
+        Window win{"Saturation"};
         win.w.loadFilterSlot(damaged);
         QCOMPARE(names(win.tray()), QStringList({"Brightness"}));
         QCOMPARE(win.tray().modAt(0)->floatValue(0), 0.3f);
@@ -150,12 +133,7 @@ private slots:
         QCOMPARE(names(win.tray()), QStringList({"Saturation"}));
 
         // A file with nothing readable changes nothing but says so.
-        const QString junk = dir.path() + QStringLiteral("/junk.vnf");
-        QFile j(junk);
-        QVERIFY(j.open(QIODevice::WriteOnly));
-        j.write("not a filter");
-        j.close();
-        win.w.loadFilterSlot(junk);
+        win.w.loadFilterSlot(writeFile("junk.vnf", "not a filter"));
         QCOMPARE(names(win.tray()), QStringList({"Saturation"}));
         QCOMPARE(win.titles.size(), 2);
     }
@@ -163,9 +141,7 @@ private slots:
     void loadingReplacesKeepingPinnedOrAppends()
     {
         const QString look = writeLook("Look.vnf", {"Brightness", "Custom Straight"}, 0.2f);
-        Window win;
-        win.tray().addMod(*make("Saturation"));
-        win.tray().addMod(*make("Dynamics"));
+        Window win{"Saturation", "Dynamics"};
         win.tray().modAt(1)->pinned = true;
         win.w.loadFilterSlot(look, true);
         QCOMPARE(names(win.tray()), QStringList({"Dynamics", "Brightness", "Custom Straight"}));
@@ -182,8 +158,7 @@ private slots:
     void droppedFilterReplacesOrWithShiftAppends()
     {
         const QString look = writeLook("Drop.VNF", {"Contrast"}, 0.6f);
-        Window win;
-        win.tray().addMod(*make("Saturation"));
+        Window win{"Saturation"};
         QMimeData mime;
         mime.setUrls({QUrl::fromLocalFile(look)});
         QDropEvent append(QPointF(50, 50), Qt::CopyAction, &mime, Qt::NoButton, Qt::ShiftModifier);
@@ -197,9 +172,7 @@ private slots:
 
     void exportedFilterLoadsBackEqual()
     {
-        Window win;
-        win.tray().addMod(*make("Crop"));
-        win.tray().addMod(*make("Brightness"));
+        Window win{"Crop", "Brightness"};
         win.tray().modAt(1)->variables[0]->setFloatValue(0.45f);
         win.tray().modAt(1)->enabled = false;
         win.file = dir.path() + QStringLiteral("/exported"); // the extension is added
@@ -223,8 +196,7 @@ private slots:
 
     void savingToPresetsAsksBeforeOverwriting()
     {
-        Window win;
-        win.tray().addMod(*make("Brightness"));
+        Window win{"Brightness"};
         win.text = QStringLiteral("My Look");
         win.w.saveFavoriteFilterPrompt();
         const QString path = dir.path() + QStringLiteral("/data/com.vantrel.photo/Presets/My Presets/My Look.vnf");
@@ -250,8 +222,7 @@ private slots:
 
     void remixIsOneUndoStep()
     {
-        Window win;
-        win.tray().addMod(*make("Brightness"));
+        Window win{"Brightness"};
         win.w.triggerActionByText(QStringLiteral("Remix Up"));
         QCOMPARE(win.tray().undoStack()->undoCount(), 0); // nothing to remix
 
@@ -275,9 +246,7 @@ private slots:
 
     void deleteButtonSparesPinnedUntilTheSecondPress()
     {
-        Window win;
-        win.tray().addMod(*make("Brightness"));
-        win.tray().addMod(*make("Contrast"));
+        Window win{"Brightness", "Contrast"};
         win.tray().modAt(0)->pinned = true;
         win.w.deleteNodesButtonPressed();
         QCOMPARE(names(win.tray()), QStringList({"Brightness"}));
@@ -289,37 +258,13 @@ private slots:
 
     void deleteKeyRemovesTheSelectedTiles()
     {
-        Window win;
-        win.tray().addMod(*make("Brightness"));
-        win.tray().addMod(*make("Contrast"));
-        win.tray().addMod(*make("Saturation"));
+        Window win{"Brightness", "Contrast", "Saturation"};
         win.tray().setSelected(1);
         QTest::keyClick(&win.w, Qt::Key_Delete);
         QCOMPARE(names(win.tray()), QStringList({"Brightness", "Saturation"}));
         win.tray().setSelected(0);
         QTest::keyClick(&win.w, Qt::Key_Escape);
         QVERIFY(win.tray().selectedIndices().empty());
-    }
-
-    // With VANTREL_SHOT_DIR set: the editor with a photo and a look in the tray, for looking at it.
-    void editorWithTilesOnScreen()
-    {
-        const QByteArray shots = qgetenv("VANTREL_SHOT_DIR");
-        const QString photo = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
-        if (shots.isEmpty() || !QFile::exists(photo))
-            QSKIP("VANTREL_SHOT_DIR is not set or the test photos are absent");
-        Window win;
-        win.w.resize(1400, 900);
-        QVERIFY(win.w.loadFile(photo));
-        for (const char* n : {"Crop", "Brightness", "Contrast", "Saloon", "Luminance Mask", "Saturation", "Custom Straight"})
-            win.tray().addMod(*make(n));
-        win.tray().modAt(2)->variables[0]->setFloatValue(win.tray().modAt(2)->floatValue(0) + 0.2f);
-        win.tray().modAt(3)->pinned = true;
-        win.tray().refreshNodes();
-        win.tray().setSelected(3);
-        win.w.trayContentChanged();
-        QVERIFY(QTest::qWaitFor([&win] { return win.w.displaySettled(); }, 15000));
-        QVERIFY(win.w.grab().save(QString::fromLocal8Bit(shots) + QStringLiteral("/editor_tray.png")));
     }
 
     // The window's style sheet gives every widget white text; the names on the light tiles must
@@ -359,9 +304,7 @@ private slots:
 
     void nestFromTheMenuAsksForAName()
     {
-        Window win;
-        win.tray().addMod(*make("Brightness"));
-        win.tray().addMod(*make("Contrast"));
+        Window win{"Brightness", "Contrast"};
         win.tray().setSelected(0);
         win.text = QStringLiteral("Base");
         win.w.triggerActionByText(QStringLiteral("Nest Selected Tiles"));

@@ -50,7 +50,7 @@ struct Message {
 struct MessageLog {
     std::vector<Message> seen;
     int answer = 0;
-    void attach(MainWindow& w)
+    explicit MessageLog(MainWindow& w)
     {
         w.messageHook = [this](const QString& title, const QString& text, const QStringList& buttons) {
             seen.push_back({title, text, buttons});
@@ -82,7 +82,6 @@ std::unique_ptr<ImageMod> tile(const ModCatalogue& catalogue, const char* name, 
     return m;
 }
 
-// The editor's 8-bit file sample of a rendered float: truncate(v * 257), high byte.
 // With VANTREL_SHOT_DIR set, a picture of the widget for looking at.
 void saveShot(QWidget& w, const char* name)
 {
@@ -91,6 +90,7 @@ void saveShot(QWidget& w, const char* name)
         w.grab().save(QString::fromLocal8Bit(dir) + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".png"));
 }
 
+// The editor's 8-bit file sample of a rendered float: truncate(v * 257), high byte.
 int fileSample(float v)
 {
     const double scaled = double(v) * 257.0;
@@ -158,8 +158,7 @@ private slots:
     void withoutAFileBothSavesSayNoFileLoaded()
     {
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         bool dialogShown = false;
         w.saveDialogs.runOptions = [&](SaveSizeWindow&) { return dialogShown = true; };
         QVERIFY(w.triggerActionByText(QStringLiteral("Save As...")));
@@ -173,8 +172,7 @@ private slots:
     void aNeverStoredQualityOffers85AndTheSizeOfTheLook()
     {
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         QVERIFY(w.loadFile(kSmall));
         auto mods = look();
         QVERIFY(!mods.empty());
@@ -217,8 +215,7 @@ private slots:
         QVERIFY(QFile::copy(kHdr, copy));
         const QByteArray before = digest(copy);
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         QVERIFY(w.loadFile(copy));
         QVERIFY(w.triggerActionByText(QStringLiteral("Save Over Original")));
         QCOMPARE(log.titles(), QStringList{QStringLiteral("Can't Save Format")});
@@ -232,8 +229,7 @@ private slots:
     {
         QTemporaryDir dir;
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         QVERIFY(w.loadFile(kSmall));
         auto mods = look();
         putInTray(w, raw(mods));
@@ -287,8 +283,7 @@ private slots:
 
         QTemporaryDir dir;
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         QVERIFY(w.loadFile(kSmall));
         w.saveDialogs.runOptions = [](SaveSizeWindow& d) {
             QTest::keyClicks(d.widthField, QString()); // focus
@@ -310,9 +305,7 @@ private slots:
     void theOptionsDialogTakesTheSaveTable()
     {
         SaveSizeWindow d;
-        QCOMPARE(d.objectName(), QStringLiteral("SaveSizeDialog"));
         QCOMPARE(d.windowTitle(), QStringLiteral("Choose Save Options"));
-        QCOMPARE(d.widthField->size(), QSize(80, 21));
         QCOMPARE(d.typeField->count(), 5);
         QCOMPARE(d.typeField->itemText(3), QStringLiteral("PNG-16 Image"));
         d.setExtension(QStringLiteral(".PNG")); // the first row with the extension
@@ -360,8 +353,7 @@ private slots:
         QVERIFY(QFile::copy(kSmall, copy));
         const QByteArray before = digest(copy);
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         QVERIFY(w.loadFile(copy));
         w.saveDialogs.runOptions = [](SaveSizeWindow&) { return true; };
         w.saveDialogs.askSavePath = [&](const QString&, const QString&, const QString&) { return copy; };
@@ -408,8 +400,7 @@ private slots:
         note.close();
 
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         auto mods = look();
         QVERIFY(!mods.empty());
         putInTray(w, raw(mods));
@@ -463,37 +454,6 @@ private slots:
         QCOMPARE(log.seen[1].text, QStringLiteral("No media was found to batch process."));
     }
 
-    // Only for looking at: twenty larger photos, the window caught while they run.
-    void lookAtTheQueueDuringABatch()
-    {
-        if (qEnvironmentVariableIsEmpty("VANTREL_SHOT_DIR"))
-            QSKIP("set VANTREL_SHOT_DIR to take the picture");
-        const QString photo = QStringLiteral(VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg");
-        QTemporaryDir in, out;
-        for (int i = 0; i < 20; ++i)
-            QVERIFY(QFile::copy(photo, in.filePath(QStringLiteral("forest_%1.jpg").arg(i, 2, 10, QLatin1Char('0')))));
-        QVERIFY(QFile::copy(photo, in.filePath(QStringLiteral("broken.jpg"))));
-        QFile broken(in.filePath(QStringLiteral("broken.jpg")));
-        QVERIFY(broken.open(QIODevice::ReadWrite));
-        broken.resize(600); // cut short: its load fails and the queue lists it
-        broken.close();
-        MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
-        auto mods = look();
-        putInTray(w, raw(mods));
-        w.saveDialogs.askFolder = [&, n = 0](const QString&, const QString&) mutable {
-            return ++n == 1 ? in.path() : out.path();
-        };
-        w.saveDialogs.runOptions = [](SaveSizeWindow&) { return true; };
-        QVERIFY(w.triggerActionByText(QStringLiteral("Batch Process Folder...")));
-        QVERIFY(QTest::qWaitFor([&w] { return w.renderQueue->snapshot().finished >= 3; }, 120000));
-        QTest::qWait(600); // one more tick of the progress timer
-        saveShot(*w.queueWindow(), "render_queue");
-        w.renderQueue->cancelAll();
-        QVERIFY(w.renderQueue->waitUntilIdle(120000));
-    }
-
     void theQueueWindowShowsProgressRowsAndFailures()
     {
         RenderQueueSnapshot s;
@@ -538,8 +498,7 @@ private slots:
     void cancelProcessingAsksBeforeStoppingAll()
     {
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         log.answer = 1; // "No"
         w.cancelProcessingButtonPressed();
         QCOMPARE(log.titles(), QStringList{QStringLiteral("Cancel Processing")});
@@ -610,8 +569,7 @@ private slots:
     {
         QTemporaryDir dir;
         MainWindow w(AppTheme::styleSheet());
-        MessageLog log;
-        log.attach(w);
+        MessageLog log(w);
         QVERIFY(w.loadFile(kSmall));
         const QString bad = dir.filePath(QStringLiteral("bad.cube"));
         QFile f(bad);

@@ -1,8 +1,6 @@
 // The modal tools over a real viewer: crop frame drags through mouse events, the aspect and
 // straighten controls, write-back on exit; spot heal clicks, Alt and wheel handling, undo order.
-// With VANTREL_TOOL_SHOTS set to a folder, the tools are also photographed there.
 #include "core/ImageModVariableDataChoice.h"
-#include "desktop_only/MediaLoading.h"
 #include "document/MVMediaWidget.h"
 #include "mods/ImageModCrop.h"
 #include "mods/ImageModExposure.h"
@@ -68,14 +66,6 @@ void move(QWidget& w, QPoint at, Qt::MouseButtons buttons = Qt::NoButton)
 {
     QMouseEvent e(QEvent::MouseMove, QPointF(at), w.mapToGlobal(at), Qt::NoButton, buttons, Qt::NoModifier);
     QCoreApplication::sendEvent(&w, &e);
-}
-
-void shoot(QWidget& w, const char* name)
-{
-    const QByteArray dir = qgetenv("VANTREL_TOOL_SHOTS");
-    if (dir.isEmpty())
-        return;
-    w.grab().save(QString::fromLocal8Bit(dir) + QLatin1Char('/') + QLatin1String(name));
 }
 
 // A viewer of 800 x 600 showing a 1200 x 800 flat picture.
@@ -292,55 +282,6 @@ private slots:
         // Without Ctrl the brush stays and the event is left for the viewer's zoom.
         QVERIFY(!wheel(tool, QPointF(400, 300), 120, Qt::NoModifier));
         QCOMPARE(tool.brushPixels, 3.0);
-    }
-
-    void shotsOfTheToolsOverAPhoto()
-    {
-        if (qgetenv("VANTREL_TOOL_SHOTS").isEmpty())
-            QSKIP("VANTREL_TOOL_SHOTS not set");
-        const std::string path = std::string(VANTREL_TESTDATA) + "/olympus_em1_forest_1920x1080.jpg";
-        auto* photo = new FlexImageFloat();
-        if (!LoadMediaFile(*photo, path, nullptr, nullptr)) {
-            delete photo;
-            QSKIP("test photo missing");
-        }
-        Scene s(photo);
-        s.viewer.resize(1200, 800);
-        s.viewer.layoutImage();
-        QVERIFY(waitIdle(s.viewer));
-        {
-            MVToolWidgetCrop tool(&s.viewer);
-            ImageModCrop crop;
-            tool.disableOverlappingMods({&crop});
-            tool.beginEditing(&crop);
-            tool.show();
-            tool.chooseAspect(cropAspectRow(tool.cropCopy, "4:3"));
-            tool.geometry.leftInset = 0.08f;
-            tool.geometry.topInset = 0.1f;
-            tool.geometry.rightInset = 0.12f;
-            tool.geometry.bottomInset = 0.06f;
-            tool.setStraighten(3.0f);
-            const CropFrameEdges e = tool.geometry.edges({tool.imageX, tool.imageY, tool.imageWidth, tool.imageHeight});
-            move(tool, QPoint(int(e.right) - 4, int(e.top) + 6));
-            QTest::qWait(650);
-            QVERIFY(waitIdle(s.viewer));
-            shoot(s.viewer, "crop_tool.png");
-            tool.endEditing();
-            tool.restoreDisabledMods();
-        }
-        {
-            MVToolWidgetRetouch tool(&s.viewer);
-            tool.beginEditing(nullptr);
-            tool.show();
-            tool.brushPixels = 60.0;
-            move(tool, QPoint(600, 380));
-            QVERIFY(waitIdle(s.viewer));
-            QTest::qWait(100);
-            QVERIFY(waitIdle(s.viewer));
-            shoot(s.viewer, "spot_heal_tool.png");
-            tool.endEditing();
-        }
-        QVERIFY(waitIdle(s.viewer));
     }
 };
 

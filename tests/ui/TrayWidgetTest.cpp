@@ -1,8 +1,8 @@
 // The tray as a person uses it: tile order and positions, pressing, dragging within a group,
 // the replacement rule of tags with pinned survivors, nesting and its refusals, copy and paste.
 #include "ResourceInit.h"
+#include "TestMods.h"
 #include "core/ImageModCompound.h"
-#include "core/ModCatalogue.h"
 #include "ui/TrayNode.h"
 #include "ui/TrayNodeLabel.h"
 #include "ui/TrayWidget.h"
@@ -13,28 +13,6 @@
 #include <QtWidgets/QPushButton>
 
 namespace {
-
-const ModCatalogueContents& catalogue()
-{
-    static const ModCatalogueContents c = buildModCatalogue();
-    return c;
-}
-
-std::unique_ptr<ImageMod> make(const char* name)
-{
-    std::unique_ptr<ImageMod> m = createMod(catalogue().mods, name);
-    if (!m)
-        qFatal("no mod named %s", name);
-    return m;
-}
-
-QStringList names(const TrayWidget& tray)
-{
-    QStringList out;
-    for (int i = 0; i < tray.tileCount(); ++i)
-        out << QString::fromStdString(tray.modAt(i)->name);
-    return out;
-}
 
 QList<int> xs(const TrayWidget& tray)
 {
@@ -52,6 +30,13 @@ void press(TrayNode* node, Qt::KeyboardModifiers mods = Qt::NoModifier, QPoint a
 void release(TrayNode* node, QPoint at = QPoint(40, 40))
 {
     QTest::mouseRelease(node, Qt::LeftButton, Qt::NoModifier, at);
+}
+
+// A press and release in place: a click as the tray's own handlers see it.
+void click(TrayNode* node, Qt::KeyboardModifiers mods = Qt::NoModifier)
+{
+    press(node, mods);
+    release(node);
 }
 
 // A move with the left button held, delivered to the tile that holds the grab.
@@ -73,7 +58,7 @@ struct Fixture {
     QString answer = QStringLiteral("Group");
     bool accept = true;
 
-    Fixture()
+    Fixture(std::initializer_list<const char*> tiles = {})
     {
         window.resize(1400, 91);
         tray = new TrayWidget(&window);
@@ -92,6 +77,7 @@ struct Fixture {
         window.show();
         if (!QTest::qWaitForWindowExposed(&window))
             qWarning("tray window not exposed");
+        addTiles(*tray, tiles);
     }
     void add(const char* name) { tray->addMod(*make(name)); }
 };
@@ -138,10 +124,7 @@ private slots:
 
     void looksFollowTheKind()
     {
-        Fixture f;
-        f.add("Brightness");
-        f.add("Saloon");
-        f.add("Luminance Mask");
+        Fixture f{"Brightness", "Saloon", "Luminance Mask"};
         auto group = std::make_unique<ImageModCompound>("Nest");
         f.tray->addMod(*group);
         QCOMPARE(f.tray->nodeAt(0)->look(), TrayNode::LookPlain);
@@ -156,10 +139,7 @@ private slots:
 
     void cropDraggedRightStopsLeftOfFirstCentralMiddle()
     {
-        Fixture f;
-        f.add("Crop");
-        f.add("Brightness");
-        f.add("Contrast");
+        Fixture f{"Crop", "Brightness", "Contrast"};
         TrayNode* crop = f.tray->nodeAt(0);
         TrayNode* first = f.tray->nodeAt(1);
         press(crop);
@@ -177,11 +157,7 @@ private slots:
 
     void centralTileDraggedReordersWithinItsGroup()
     {
-        Fixture f;
-        f.add("Crop");
-        f.add("Brightness");
-        f.add("Contrast");
-        f.add("Custom Straight");
+        Fixture f{"Crop", "Brightness", "Contrast", "Custom Straight"};
         QSignalSpy adjusted(f.tray, &TrayWidget::trayAdjusted);
         TrayNode* contrast = f.tray->nodeAt(2);
         press(contrast);
@@ -203,9 +179,7 @@ private slots:
 
     void moveOfEightPixelsOrLessIsNoDrag()
     {
-        Fixture f;
-        f.add("Brightness");
-        f.add("Contrast");
+        Fixture f{"Brightness", "Contrast"};
         TrayNode* n = f.tray->nodeAt(0);
         press(n);
         moveHeld(n, QPoint(48, 40));
@@ -219,16 +193,11 @@ private slots:
 
     void pressReleaseOnSelectedTileDeselects()
     {
-        Fixture f;
-        f.add("Brightness");
-        f.add("Contrast");
-        f.add("Saturation");
+        Fixture f{"Brightness", "Contrast", "Saturation"};
         QSignalSpy sel(f.tray, &TrayWidget::selectionChanged);
-        press(f.tray->nodeAt(1));
-        release(f.tray->nodeAt(1));
+        click(f.tray->nodeAt(1));
         QCOMPARE(f.tray->selectedIndices(), std::vector<int>({1}));
-        press(f.tray->nodeAt(1));
-        release(f.tray->nodeAt(1));
+        click(f.tray->nodeAt(1));
         QVERIFY(f.tray->selectedIndices().empty());
         QCOMPARE(sel.count(), 3); // select, press again (re-select), deselect on release
         QVERIFY(f.tray->draggedNode() == nullptr);
@@ -237,16 +206,11 @@ private slots:
 
     void controlAndShiftSelection()
     {
-        Fixture f;
-        for (const char* n : {"Brightness", "Contrast", "Saturation", "Dynamics"})
-            f.add(n);
-        press(f.tray->nodeAt(0));
-        release(f.tray->nodeAt(0));
-        press(f.tray->nodeAt(3), Qt::ShiftModifier);
-        release(f.tray->nodeAt(3));
+        Fixture f{"Brightness", "Contrast", "Saturation", "Dynamics"};
+        click(f.tray->nodeAt(0));
+        click(f.tray->nodeAt(3), Qt::ShiftModifier);
         QCOMPARE(f.tray->selectedIndices(), std::vector<int>({0, 1, 2, 3}));
-        press(f.tray->nodeAt(2), Qt::ControlModifier);
-        release(f.tray->nodeAt(2));
+        click(f.tray->nodeAt(2), Qt::ControlModifier);
         QCOMPARE(f.tray->selectedIndices(), std::vector<int>({0, 1, 3}));
         QVERIFY(!f.tray->isDragging());
         // A press on empty tray clears the selection.
@@ -256,8 +220,7 @@ private slots:
 
     void tagsReplaceButPinnedSurvive()
     {
-        Fixture f;
-        f.add("Brightness");
+        Fixture f{"Brightness"};
         std::unique_ptr<ImageMod> saloon = make("Saloon");
         std::unique_ptr<ImageMod> plastic = make("Plastic");
         saloon->tags = {7};
@@ -291,9 +254,7 @@ private slots:
 
     void clearTrayKeepsPinnedInOrder()
     {
-        Fixture f;
-        for (const char* n : {"Brightness", "Contrast", "Saturation", "Dynamics"})
-            f.add(n);
+        Fixture f{"Brightness", "Contrast", "Saturation", "Dynamics"};
         f.tray->modAt(1)->pinned = true;
         f.tray->modAt(3)->pinned = true;
         f.tray->clearTray(true);
@@ -305,13 +266,9 @@ private slots:
 
     void nestingABorderIsRefusedAndSelectionKept()
     {
-        Fixture f;
-        f.add("Brightness");
-        f.add("Custom Straight");
-        press(f.tray->nodeAt(0));
-        release(f.tray->nodeAt(0));
-        press(f.tray->nodeAt(1), Qt::ControlModifier);
-        release(f.tray->nodeAt(1));
+        Fixture f{"Brightness", "Custom Straight"};
+        click(f.tray->nodeAt(0));
+        click(f.tray->nodeAt(1), Qt::ControlModifier);
         QVERIFY(!f.tray->nestSelected());
         QCOMPARE(f.words.titles, QStringList({"Can't Nest Tiles"}));
         QCOMPARE(f.words.texts.first(),
@@ -332,9 +289,7 @@ private slots:
 
     void nestThenUnnestRestoresTheSequence()
     {
-        Fixture f;
-        for (const char* n : {"Crop", "Brightness", "Contrast", "Saturation", "Custom Straight"})
-            f.add(n);
+        Fixture f{"Crop", "Brightness", "Contrast", "Saturation", "Custom Straight"};
         f.tray->modAt(2)->variables[0]->setFloatValue(0.25f);
         std::vector<std::unique_ptr<ImageMod>> before;
         for (const ImageMod* m : f.tray->rootTiles())
@@ -348,8 +303,7 @@ private slots:
 
         f.accept = true;
         f.answer = QStringLiteral("Punch");
-        press(f.tray->nodeAt(3), Qt::ControlModifier);
-        release(f.tray->nodeAt(3));
+        click(f.tray->nodeAt(3), Qt::ControlModifier);
         QSignalSpy adjusted(f.tray, &TrayWidget::trayAdjusted);
         QVERIFY(f.tray->nestSelected());
         QCOMPARE(adjusted.count(), 1);
@@ -371,8 +325,7 @@ private slots:
 
     void editNestedShowsTheGroupAndExitSelectsIt()
     {
-        Fixture f;
-        f.add("Brightness");
+        Fixture f{"Brightness"};
         auto group = std::make_unique<ImageModCompound>("G");
         group->addChild(make("Contrast"));
         group->addChild(make("Saturation"));
@@ -402,9 +355,7 @@ private slots:
 
     void menuStateCopyAndPasteAcrossTrays()
     {
-        Fixture f;
-        f.add("Brightness");
-        f.add("Contrast");
+        Fixture f{"Brightness", "Contrast"};
         f.tray->modAt(0)->variables[0]->setFloatValue(0.4f);
         f.tray->modAt(1)->enabled = false;
         QMenu* menu = f.tray->contextMenu();
@@ -419,16 +370,14 @@ private slots:
         QVERIFY(!menu->actions()[4]->isEnabled()); // Paste: empty clipboard
 
         f.tray->setSelected(0);
-        press(f.tray->nodeAt(1), Qt::ControlModifier);
-        release(f.tray->nodeAt(1));
+        click(f.tray->nodeAt(1), Qt::ControlModifier);
         f.tray->updateMenuState();
         QVERIFY(menu->actions()[1]->isEnabled() && menu->actions()[2]->isEnabled()); // one on, one off
         QVERIFY(!menu->actions()[7]->isEnabled()); // Un-nest: no group
         f.tray->menuItemChosen(menu->actions()[3]);
         QCOMPARE(int(TrayWidget::clipboard().size()), 2);
 
-        Fixture g;
-        g.add("Saturation");
+        Fixture g{"Saturation"};
         g.tray->updateMenuState();
         QVERIFY(g.tray->contextMenu()->actions()[4]->isEnabled());
         g.tray->menuItemChosen(g.tray->contextMenu()->actions()[4]);
@@ -449,8 +398,7 @@ private slots:
 
     void rightPressDoubleClickAndReset()
     {
-        Fixture f;
-        f.add("Brightness");
+        Fixture f{"Brightness"};
         auto group = std::make_unique<ImageModCompound>("G");
         group->addChild(make("Contrast"));
         f.tray->addMod(*group);
@@ -482,9 +430,7 @@ private slots:
 
     void tileButtons()
     {
-        Fixture f;
-        f.add("Brightness");
-        f.add("Contrast");
+        Fixture f{"Brightness", "Contrast"};
         QSignalSpy adjusted(f.tray, &TrayWidget::trayAdjusted);
         QTest::mouseClick(f.tray->nodeAt(0)->disableButton(), Qt::LeftButton);
         QVERIFY(!f.tray->modAt(0)->enabled);
@@ -533,56 +479,11 @@ private slots:
         QVERIFY(shadesInMiddle() > 4);
     }
 
-    // With VANTREL_SHOT_DIR set: pictures of every look, for looking at them.
-    void everyLookOnScreen()
-    {
-        const QByteArray shots = qgetenv("VANTREL_SHOT_DIR");
-        if (shots.isEmpty())
-            QSKIP("VANTREL_SHOT_DIR is not set");
-        Fixture f;
-        f.window.setObjectName(QStringLiteral("shotWindow"));
-        f.window.setStyleSheet(QStringLiteral("QWidget#shotWindow { background: #181818; }"));
-        f.add("Crop");
-        f.add("Brightness");
-        f.add("Contrast");
-        f.add("Saloon");
-        f.add("Luminance Mask");
-        f.add("Saturation");
-        auto group = std::make_unique<ImageModCompound>("Punchy Colour Group");
-        group->addChild(make("Dynamics"));
-        group->addChild(make("Saturation"));
-        f.tray->addMod(*group);
-        f.add("Shadows/Highlights");
-        f.add("Custom Straight");
-        f.tray->modAt(2)->enabled = false; // disabled
-        f.tray->modAt(3)->pinned = true; // pinned camera look
-        f.tray->refreshNodes();
-        f.tray->setSelected(5);
-        press(f.tray->nodeAt(6), Qt::ControlModifier);
-        release(f.tray->nodeAt(6));
-        QTest::qWait(50);
-        const QString dir = QString::fromLocal8Bit(shots) + QLatin1Char('/');
-        QVERIFY(f.window.grab().save(dir + QStringLiteral("tray_looks.png")));
-        f.tray->clearSelection();
-        f.tray->setSelected(6);
-        QVERIFY(f.tray->editSelectedNested());
-        QTest::qWait(50);
-        QVERIFY(f.window.grab().save(dir + QStringLiteral("tray_nested.png")));
-        f.tray->exitNested();
-        f.tray->setPreviewing(true);
-        QTest::qWait(50);
-        QVERIFY(f.window.grab().save(dir + QStringLiteral("tray_preview.png")));
-    }
-
     void previewingHidesCentralTilesFromTheSelection()
     {
-        Fixture f;
-        f.add("Crop");
-        f.add("Brightness");
-        press(f.tray->nodeAt(0));
-        release(f.tray->nodeAt(0));
-        press(f.tray->nodeAt(1), Qt::ControlModifier);
-        release(f.tray->nodeAt(1));
+        Fixture f{"Crop", "Brightness"};
+        click(f.tray->nodeAt(0));
+        click(f.tray->nodeAt(1), Qt::ControlModifier);
         f.tray->setPreviewing(true);
         QVERIFY(f.tray->isPreviewing());
         QCOMPARE(f.tray->selectedIndices(), std::vector<int>({0}));

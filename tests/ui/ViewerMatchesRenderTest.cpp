@@ -2,7 +2,7 @@
 // depend on where a pixel stands (vignette, flares, leaks, grain, overlays, borders) see only the
 // visible part of a smaller picture in the viewer, and must still land in the same place.
 #include "ResourceInit.h"
-#include "core/ModCatalogue.h"
+#include "TestMods.h"
 #include "desktop_only/OverlaySeams.h"
 #include "document/MVMediaWidget.h"
 #include "document/core/HeadlessRender.h"
@@ -21,13 +21,6 @@
 #include <cmath>
 
 namespace {
-
-const ModCatalogueContents& catalogue()
-{
-    static const ModCatalogueContents c = buildModCatalogue();
-    return c;
-}
-
 
 struct Window {
     MainWindow w{AppTheme::styleSheet()};
