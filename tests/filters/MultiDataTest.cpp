@@ -2,37 +2,14 @@
 #include "filters/PreferenceKeys.h"
 #include "filters/TextNumbers.h"
 
-#include <QDir>
-#include <QFile>
+#include "FilterTestFiles.h"
+
 #include <QTemporaryDir>
 #include <clocale>
 #include <cstdio>
-#include <cstdlib>
-#include <gtest/gtest.h>
 #include <string>
 
 namespace {
-
-std::string slurp(const std::string& path)
-{
-    std::string out;
-    if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
-        char buf[4096];
-        size_t got;
-        while ((got = std::fread(buf, 1, sizeof buf, f)) > 0)
-            out.append(buf, got);
-        std::fclose(f);
-    }
-    return out;
-}
-
-void spit(const std::string& path, const std::string& bytes)
-{
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    ASSERT_NE(f, nullptr);
-    std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-}
 
 void fillSample(MultiData& d)
 {
@@ -132,22 +109,6 @@ TEST(MultiData, GettersCreateMissingKeysWithTheirDefaults)
     EXPECT_EQ(d.typeOf("CurrentTab"), "int");
     EXPECT_EQ(d.typeOf("DefaultFiltersVersion"), "float");
     EXPECT_EQ(d.typeOf("StarredFilterList"), "string array");
-    EXPECT_EQ(d.toText(),
-        "<VantrelPrefs>\n"
-        "  <WindowGeometry type=\"string\">100 100 1200 800</WindowGeometry>\n"
-        "  <UseHoverPreviews type=\"bool\">1</UseHoverPreviews>\n"
-        "  <CurrentTab type=\"int\">2</CurrentTab>\n"
-        "  <DefaultFiltersVersion type=\"float\">0.000000</DefaultFiltersVersion>\n"
-        "  <CollapsedToolSections type=\"string array\">\n"
-        "    <Item>0 Advanced Light</Item>\n"
-        "    <Item>0 Advanced Color</Item>\n"
-        "    <Item>0 Photographic</Item>\n"
-        "    <Item>0 Masks</Item>\n"
-        "    <Item>0 Borders</Item>\n"
-        "    <Item>0 Utility</Item>\n"
-        "  </CollapsedToolSections>\n"
-        "  <StarredFilterList type=\"string array\"></StarredFilterList>\n"
-        "</VantrelPrefs>\n");
 }
 
 TEST(MultiData, SettersReplaceValueAndTypeInPlace)
@@ -209,6 +170,7 @@ TEST(MultiData, FileRoundTripKeepsEveryType)
     out.setString("Spaced", "  lead and trail  \n");
     out.setFloat("Tiny", 0.0000004f);
     out.setInt("Min", -2147483647 - 1);
+    out.setStringArray("NoItems", {});
     ASSERT_TRUE(out.writeFile(path)); // makes the missing folders
     const std::string bytes = slurp(path);
     EXPECT_EQ(bytes, out.toText());
@@ -228,6 +190,8 @@ TEST(MultiData, FileRoundTripKeepsEveryType)
     EXPECT_EQ(in.getString("Spaced", ""), "  lead and trail  \n");
     EXPECT_EQ(in.getFloat("Tiny", 1.0f), 0.0f); // "%f" keeps six decimals
     EXPECT_EQ(in.getInt("Min", 0), -2147483647 - 1);
+    EXPECT_EQ(in.typeOf("NoItems"), "string array");
+    EXPECT_TRUE(in.getStringArray("NoItems", { "x" }).empty());
     EXPECT_EQ(in.toText(), bytes);
 }
 
@@ -283,9 +247,9 @@ TEST(MultiData, ForeignAndBrokenFilesGiveAnEmptyOrPartialStore)
     std::string junk;
     for (int i = 0; i < 4096; ++i)
         junk.push_back(char((i * 7919 + 13) & 0xff));
-    for (const std::string& content : { std::string(), junk, std::string("<other><A type=\"int\">1</A></other>"),
-             std::string("<?xml version=\"1.0\"?>\n<!-- hand edited -->\n<VantrelPrefs><A type=\"int\">5</A>"
-                         "<B type=\"string\">x<nested>y</nested></B><C type=\"int\">6</C></VantrelPrefs>"),
+    const std::string nested = "<?xml version=\"1.0\"?>\n<!-- hand edited -->\n<VantrelPrefs><A type=\"int\">5</A>"
+                               "<B type=\"string\">x<nested>y</nested></B><C type=\"int\">6</C></VantrelPrefs>";
+    for (const std::string& content : { std::string(), junk, std::string("<other><A type=\"int\">1</A></other>"), nested,
              std::string("<VantrelPrefs><A type=\"int\">5</A><B type=\"string array\"><Item>p</Item><Item>q") }) {
         spit(path, content);
         EXPECT_TRUE(d.readFile(path));
@@ -295,8 +259,7 @@ TEST(MultiData, ForeignAndBrokenFilesGiveAnEmptyOrPartialStore)
     // The last two: the entry with a stray element inside and the cut array are dropped.
     EXPECT_EQ(d.keys(), std::vector<std::string> { "A" });
     EXPECT_EQ(d.getInt("A", 0), 5);
-    spit(path, "<?xml version=\"1.0\"?>\n<!-- hand edited -->\n<VantrelPrefs><A type=\"int\">5</A>"
-               "<B type=\"string\">x<nested>y</nested></B><C type=\"int\">6</C></VantrelPrefs>");
+    spit(path, nested);
     d.readFile(path);
     EXPECT_EQ(d.getInt("C", 0), 6);
     EXPECT_FALSE(d.contains("B"));
@@ -351,8 +314,7 @@ TEST(MultiData, DataFolderFollowsTheDesktopDataLocation)
 {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    const QByteArray old = qgetenv("XDG_DATA_HOME");
-    qputenv("XDG_DATA_HOME", QFile::encodeName(dir.path()));
+    const ScopedEnv env("XDG_DATA_HOME", QFile::encodeName(dir.path()));
     EXPECT_EQ(dataFolder(), dir.path().toStdString() + "/com.vantrel.photo/");
     EXPECT_EQ(preferencesPath(), dir.path().toStdString() + "/com.vantrel.photo/VantrelPrefs.xml");
     MultiData& g = MultiData::global();
@@ -364,8 +326,4 @@ TEST(MultiData, DataFolderFollowsTheDesktopDataLocation)
     EXPECT_TRUE(back.readFile(preferencesPath()));
     EXPECT_EQ(back.typeOf(PrefKeys::kAutohideControls), "bool");
     g.clear();
-    if (old.isNull())
-        qunsetenv("XDG_DATA_HOME");
-    else
-        qputenv("XDG_DATA_HOME", old);
 }
