@@ -23,6 +23,20 @@ std::string writeText(const ModList& mods)
     return filterToXml(list).toText();
 }
 
+// The tiles as "Name[ off][ vN]", a group's children in braces: a whole structure in one check.
+std::string describe(const ModList& mods)
+{
+    std::string out;
+    for (const auto& m : mods) {
+        out += (out.empty() ? "" : ", ") + m->name + (m->enabled ? "" : " off");
+        if (m->version != 1)
+            out += " v" + std::to_string(m->version);
+        if (const auto* g = dynamic_cast<const ImageModCompound*>(m.get()))
+            out += "{" + describe(g->children) + "}";
+    }
+    return out;
+}
+
 float f6(const char* text)
 {
     return float(parseFloat(text));
@@ -352,12 +366,7 @@ TEST_F(FilterFileTest, EveryVariableKindsTextFormAndRoundTrip)
         EXPECT_TRUE(back[i]->isEqual(*list[i])) << i;
     EXPECT_EQ(back[0]->attrValues, m->attrValues);
     EXPECT_EQ(back[0]->variables[2]->asCurve()->curve.hueOffset, 90.5f);
-    const auto* g = dynamic_cast<const ImageModCompound*>(back[2].get());
-    ASSERT_NE(g, nullptr);
-    EXPECT_EQ(g->name, "Warm Group");
-    ASSERT_EQ(g->children.size(), 2u);
-    EXPECT_EQ(g->children[1]->name, "Inner");
-    EXPECT_EQ(g->children[1]->kind(), 3);
+    EXPECT_EQ(describe(back), "Every Kind off v2, Paper, Warm Group{Every Kind off v2, Inner{RGB Swap v2}}");
     // Saved again, the bytes don't move.
     ASSERT_TRUE(writeFilter(back, path("again.vnf")));
     EXPECT_EQ(slurp(path("again.vnf")), slurp(path("round.vnf")));
@@ -373,30 +382,15 @@ TEST_F(FilterFileReader, SubmodsAreGroupsAndLaterModsCopyThem)
                              "<mod name=\"Hue Mask\"></mod>"
                              "</filter>");
     EXPECT_EQ(status, kFilterReadOk);
+    // Inside the group "Paper" is not yet a group: the plain tile. After it, "Paper" and "Deep"
+    // name the groups, as copies.
+    EXPECT_EQ(describe(mods), "Paper{RGB Swap v2, Deep{Paper}}, Paper off{RGB Swap v2, Deep{Paper}}, Deep{Paper}, Hue Mask");
     ASSERT_EQ(mods.size(), 4u);
     const auto* group = dynamic_cast<const ImageModCompound*>(mods[0].get());
-    ASSERT_NE(group, nullptr);
-    EXPECT_TRUE(group->enabled);
-    EXPECT_EQ(group->floatValue(0), 1.0f);
-    ASSERT_EQ(group->children.size(), 2u);
-    // Inside the group, "Paper" was not yet defined as a group: it is the plain tile.
-    const auto* deep = dynamic_cast<const ImageModCompound*>(group->children[1].get());
-    ASSERT_NE(deep, nullptr);
-    ASSERT_EQ(deep->children.size(), 1u);
-    EXPECT_EQ(deep->children[0]->kind(), 0);
-
-    // "Paper" after the group names the group, not the catalogue's tile.
     const auto* copy = dynamic_cast<const ImageModCompound*>(mods[1].get());
-    ASSERT_NE(copy, nullptr);
-    EXPECT_FALSE(copy->enabled);
-    ASSERT_EQ(copy->children.size(), 2u);
-    EXPECT_EQ(copy->children[0]->name, "RGB Swap");
-    EXPECT_EQ(copy->children[0]->version, 2);
-    EXPECT_NE(copy->children[0].get(), group->children[0].get()); // a copy, not shared
-    const auto* deepCopy = dynamic_cast<const ImageModCompound*>(mods[2].get());
-    ASSERT_NE(deepCopy, nullptr); // nested groups are defined too
-    EXPECT_EQ(deepCopy->children.size(), 1u);
-    EXPECT_EQ(mods[3]->name, "Hue Mask");
+    ASSERT_TRUE(group && copy && !group->children.empty() && !copy->children.empty());
+    EXPECT_EQ(group->floatValue(0), 1.0f);
+    EXPECT_NE(copy->children[0].get(), group->children[0].get());
 }
 
 TEST_F(FilterFileReader, LastCatalogueMatchWins)
