@@ -21,6 +21,19 @@ void fillSample(MultiData& d)
     d.setString(PrefKeys::kLastFont, "Bitstream Vera Sans");
 }
 
+// Every key of part is in whole, with the same type and value.
+void expectEntriesOf(MultiData& part, MultiData& whole, const std::string& where)
+{
+    for (const std::string& k : part.keys()) {
+        ASSERT_TRUE(whole.contains(k)) << where << " key " << k;
+        EXPECT_EQ(part.typeOf(k), whole.typeOf(k)) << where << " key " << k;
+        if (whole.typeOf(k) == "string array")
+            EXPECT_EQ(part.getStringArray(k, {}), whole.getStringArray(k, {})) << where << " key " << k;
+        else
+            EXPECT_EQ(part.getString(k, "?"), whole.getString(k, "?")) << where << " key " << k;
+    }
+}
+
 const char* const kSampleText = "<VantrelPrefs>\n"
                                 "  <DefaultFiltersVersion type=\"float\">4.200000</DefaultFiltersVersion>\n"
                                 "  <WindowGeometry type=\"string\">10 20 1300 900</WindowGeometry>\n"
@@ -86,29 +99,25 @@ TEST(TextNumbers, IgnoresTheProcessLocale)
 TEST(MultiData, GettersCreateMissingKeysWithTheirDefaults)
 {
     MultiData d;
-    EXPECT_FALSE(d.contains(PrefKeys::kWindowGeometry));
-    EXPECT_EQ(d.getString(PrefKeys::kWindowGeometry, PrefKeys::kWindowGeometryDefault), "100 100 1200 800");
-    EXPECT_EQ(d.typeOf(PrefKeys::kWindowGeometry), "string");
-    EXPECT_TRUE(d.getBool(PrefKeys::kUseHoverPreviews, PrefKeys::kUseHoverPreviewsDefault));
-    EXPECT_EQ(d.getInt(PrefKeys::kCurrentTab, 2), 2);
-    EXPECT_FLOAT_EQ(d.getFloat(PrefKeys::kDefaultFiltersVersion, PrefKeys::kDefaultFiltersVersionDefault), 0.0f);
-    EXPECT_EQ(d.getStringArray(PrefKeys::kCollapsedToolSections, PrefKeys::collapsedToolSectionsDefault()),
-        PrefKeys::collapsedToolSectionsDefault());
-    EXPECT_EQ(d.getStringArray(PrefKeys::kStarredFilterList, {}), std::vector<std::string>());
+    EXPECT_FALSE(d.contains("Geometry"));
+    EXPECT_EQ(d.getString("Geometry", "100 100 1200 800"), "100 100 1200 800");
+    EXPECT_TRUE(d.getBool("Hover", true));
+    EXPECT_EQ(d.getInt("Tab", 2), 2);
+    EXPECT_EQ(d.getFloat("Version", 0.5f), 0.5f);
+    EXPECT_EQ(d.getStringArray("Sections", { "0 Masks", "1 Borders" }), (std::vector<std::string> { "0 Masks", "1 Borders" }));
+    EXPECT_TRUE(d.getStringArray("Starred", {}).empty());
 
     // Once created, the stored value wins over a later caller's default.
-    EXPECT_EQ(d.getString(PrefKeys::kWindowGeometry, "0 0 1 1"), "100 100 1200 800");
-    EXPECT_TRUE(d.getBool(PrefKeys::kUseHoverPreviews, false));
-    EXPECT_EQ(d.getInt(PrefKeys::kCurrentTab, 5), 2);
-    EXPECT_EQ(d.getStringArray(PrefKeys::kCollapsedToolSections, { "x" }).size(), 6u);
-
-    const std::vector<std::string> order = { "WindowGeometry", "UseHoverPreviews", "CurrentTab", "DefaultFiltersVersion",
-        "CollapsedToolSections", "StarredFilterList" };
-    EXPECT_EQ(d.keys(), order);
-    EXPECT_EQ(d.typeOf("UseHoverPreviews"), "bool");
-    EXPECT_EQ(d.typeOf("CurrentTab"), "int");
-    EXPECT_EQ(d.typeOf("DefaultFiltersVersion"), "float");
-    EXPECT_EQ(d.typeOf("StarredFilterList"), "string array");
+    EXPECT_EQ(d.getString("Geometry", "0 0 1 1"), "100 100 1200 800");
+    EXPECT_TRUE(d.getBool("Hover", false));
+    EXPECT_EQ(d.getInt("Tab", 5), 2);
+    EXPECT_EQ(d.getFloat("Version", 9.0f), 0.5f);
+    EXPECT_EQ(d.getStringArray("Sections", { "x" }).size(), 2u);
+    EXPECT_EQ(d.keys(), (std::vector<std::string> { "Geometry", "Hover", "Tab", "Version", "Sections", "Starred" }));
+    std::string types;
+    for (const std::string& k : d.keys())
+        types += d.typeOf(k) + ",";
+    EXPECT_EQ(types, "string,bool,int,float,string array,string array,");
 }
 
 TEST(MultiData, SettersReplaceValueAndTypeInPlace)
@@ -180,17 +189,11 @@ TEST(MultiData, FileRoundTripKeepsEveryType)
     ASSERT_TRUE(in.readFile(path));
     EXPECT_FALSE(in.contains("Stale"));
     EXPECT_EQ(in.keys(), out.keys());
+    expectEntriesOf(in, out, "read back");
     EXPECT_EQ(in.getFloat(PrefKeys::kDefaultFiltersVersion, 0.0f), 4.2f); // exact: the start-up check compares
-    EXPECT_EQ(in.getString(PrefKeys::kWindowGeometry, ""), "10 20 1300 900");
-    EXPECT_TRUE(in.getBool(PrefKeys::kIsFullscreen, false));
-    EXPECT_EQ(in.getInt(PrefKeys::kCurrentTab, 0), -3);
-    EXPECT_EQ(in.getStringArray(PrefKeys::kStarredFilterList, {}),
-        (std::vector<std::string> { "Film/Warm Fade.vnf", "B&W/Deep Silver.vnf" }));
-    EXPECT_EQ(in.getString("Empty", "x"), "");
     EXPECT_EQ(in.getString("Spaced", ""), "  lead and trail  \n");
     EXPECT_EQ(in.getFloat("Tiny", 1.0f), 0.0f); // "%f" keeps six decimals
     EXPECT_EQ(in.getInt("Min", 0), -2147483647 - 1);
-    EXPECT_EQ(in.typeOf("NoItems"), "string array");
     EXPECT_TRUE(in.getStringArray("NoItems", { "x" }).empty());
     EXPECT_EQ(in.toText(), bytes);
 }
@@ -211,14 +214,7 @@ TEST(MultiData, CutFilesKeepEveryWholeEntry)
         spit(path, bytes.substr(0, cut));
         MultiData d;
         ASSERT_TRUE(d.readFile(path));
-        for (const std::string& k : d.keys()) {
-            ASSERT_TRUE(full.contains(k)) << cut;
-            EXPECT_EQ(d.typeOf(k), full.typeOf(k)) << "cut " << cut << " key " << k;
-            if (full.typeOf(k) == "string array")
-                EXPECT_EQ(d.getStringArray(k, {}), full.getStringArray(k, {})) << "cut " << cut;
-            else
-                EXPECT_EQ(d.getString(k, "?"), full.getString(k, "?")) << "cut " << cut << " key " << k;
-        }
+        expectEntriesOf(d, full, "cut " + std::to_string(cut));
         for (const std::string& k : keys) {
             const size_t close = bytes.find("</" + k + ">");
             if (close + k.size() + 3 <= cut) {
