@@ -130,7 +130,7 @@ TEST_F(CatalogueFileTest, EveryClassKeepsChangedValuesThroughASaveAndLoad)
     EXPECT_EQ(a.toText(), b.toText());
 }
 
-TEST_F(CatalogueFileTest, OldVersionsAreKeptAndNamesCompareExactly)
+TEST_F(CatalogueFileTest, OldVersionsAreKeptNamesCompareExactlyAndGroupsWin)
 {
     int32_t status = -1;
     ModList mods = parse("<filter version=\"4\"><mod name=\"Saturation\" version=\"1\" enabled=\"0\">"
@@ -148,13 +148,10 @@ TEST_F(CatalogueFileTest, OldVersionsAreKeptAndNamesCompareExactly)
     ASSERT_EQ(mods.size(), 1u);
     EXPECT_EQ(mods[0]->name, "Contrast");
     EXPECT_EQ(mods[0]->version, 1); // absent version reads as 1, not the newest
-}
 
-TEST_F(CatalogueFileTest, AGroupOfTheFileWinsOverTheCatalogue)
-{
-    int32_t status = -1;
-    ModList mods = parse("<filter version=\"4\"><submod name=\"Contrast\"><mod name=\"Exposure\"></mod>"
-                         "<mod name=\"Tint\"></mod></submod><mod name=\"Contrast\"></mod></filter>",
+    // A group of the file wins over the catalogue's tile of that name.
+    mods = parse("<filter version=\"4\"><submod name=\"Contrast\"><mod name=\"Exposure\"></mod>"
+                 "<mod name=\"Tint\"></mod></submod><mod name=\"Contrast\"></mod></filter>",
         status);
     EXPECT_EQ(status, kFilterReadOk);
     ASSERT_EQ(mods.size(), 2u);
