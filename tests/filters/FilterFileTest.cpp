@@ -191,12 +191,12 @@ TEST_F(FilterFileReader, Statuses)
 TEST_F(FilterFileReader, ModAttributes)
 {
     ModList mods = parse("<filter version=\"4\">"
-                             "<mod name=\"Paper\" enabled=\"0\" version=\"7\" alias=\"Old Paper\"></mod>"
-                             "<mod name=\"Paper\" enabled=\"0.9\"></mod>"
-                             "<mod name=\"Paper\" enabled=\"-2\" version=\"2.8\"></mod>"
-                             "<mod name=\"Paper\" enabled=\"\"><attr name=\"Hidden\">true</attr><attr name=\"K\">1</attr>"
-                             "<attr name=\"Hidden\">false</attr><junk>x</junk></mod>"
-                             "</filter>");
+                         "<mod name=\"Paper\" enabled=\"0\" version=\"7\" alias=\"Old Paper\"></mod>"
+                         "<mod name=\"Paper\" enabled=\"0.9\"></mod>"
+                         "<mod name=\"Paper\" enabled=\"-2\" version=\"2.8\"></mod>"
+                         "<mod name=\"Paper\" enabled=\"\"><attr name=\"Hidden\">true</attr><attr name=\"K\">1</attr>"
+                         "<attr name=\"Hidden\">false</attr><junk>x</junk></mod>"
+                         "</filter>");
     EXPECT_EQ(status, kFilterReadOk);
     ASSERT_EQ(mods.size(), 4u);
     EXPECT_FALSE(mods[0]->enabled);
@@ -214,19 +214,19 @@ TEST_F(FilterFileReader, VariableRules)
 {
     const FilterTestEveryKind fresh;
     ModList mods = parse("<filter version=\"3\"><mod name=\"Every Kind\" version=\"3\">"
-                             "<var name=\"Curve\" type=\"curve\">0.2 0.3 </var>"
-                             "<var name=\"Hue Curve\" type=\"curve\" hueOffset=\"45\">0 0.25 0.5 0.75 1 0.25</var>"
-                             "<var name=\"Color\" type=\"color\">9 8</var>"
-                             "<var name=\"Method\" type=\"choice\">Strong</var>"
-                             "<var name=\"Picks\" type=\"multichoice\"><selection>c</selection>"
-                             "<selection>zzz</selection><selection>a</selection></var>"
-                             "<var name=\"Point\" type=\"pixelxy\">1 2 3 4 5</var>"
-                             "<var name=\"Edges\" type=\"boundary\">0.1 0.2</var>"
-                             "<var name=\"Image\" type=\"file\"> spaced path </var>"
-                             "<var name=\"Nothing\" type=\"unknown\">5</var>"
-                             "<var name=\"Not Declared\" type=\"float\">5</var>"
-                             "<var name=\"Amount\" type=\"sparkle\">5</var>"
-                             "</mod></filter>");
+                         "<var name=\"Curve\" type=\"curve\">0.2 0.3 </var>"
+                         "<var name=\"Hue Curve\" type=\"curve\" hueOffset=\"45\">0 0.25 0.5 0.75 1 0.25</var>"
+                         "<var name=\"Color\" type=\"color\">9 8</var>"
+                         "<var name=\"Method\" type=\"choice\">Strong</var>"
+                         "<var name=\"Picks\" type=\"multichoice\"><selection>c</selection>"
+                         "<selection>zzz</selection><selection>a</selection></var>"
+                         "<var name=\"Point\" type=\"pixelxy\">1 2 3 4 5</var>"
+                         "<var name=\"Edges\" type=\"boundary\">0.1 0.2</var>"
+                         "<var name=\"Image\" type=\"file\"> spaced path </var>"
+                         "<var name=\"Nothing\" type=\"unknown\">5</var>"
+                         "<var name=\"Not Declared\" type=\"float\">5</var>"
+                         "<var name=\"Amount\" type=\"sparkle\">5</var>"
+                         "</mod></filter>");
     EXPECT_EQ(status, kFilterReadOk);
     ASSERT_EQ(mods.size(), 1u);
     const ImageMod& m = *mods[0];
@@ -251,7 +251,7 @@ TEST_F(FilterFileReader, VariableRules)
 
     // A choice label nobody knows leaves the index; a multichoice with no match empties.
     mods = parse("<filter><mod name=\"Every Kind\"><var name=\"Method\" type=\"choice\">Wobbly</var>"
-                     "<var name=\"Picks\" type=\"multichoice\"><selection>q</selection></var></mod></filter>");
+                 "<var name=\"Picks\" type=\"multichoice\"><selection>q</selection></var></mod></filter>");
     ASSERT_EQ(mods.size(), 1u);
     EXPECT_EQ(mods[0]->choiceIndex(5), 0);
     EXPECT_TRUE(mods[0]->multiChoiceAt(6)->selected.empty());
@@ -260,10 +260,10 @@ TEST_F(FilterFileReader, VariableRules)
 TEST_F(FilterFileReader, FileTypesOverrideTheDeclaredKind)
 {
     ModList mods = parse("<filter><mod name=\"Every Kind\">"
-                             "<var name=\"Method\" type=\"float\">0.75</var>"
-                             "<var name=\"Amount\" type=\"choice\">Default</var>"
-                             "<var name=\"Nothing\" type=\"color\">1 2 3</var>"
-                             "</mod></filter>");
+                         "<var name=\"Method\" type=\"float\">0.75</var>"
+                         "<var name=\"Amount\" type=\"choice\">Default</var>"
+                         "<var name=\"Nothing\" type=\"color\">1 2 3</var>"
+                         "</mod></filter>");
     ASSERT_EQ(mods.size(), 1u);
     const ImageModVariableData* f = mods[0]->variables[5]->data.get();
     ASSERT_EQ(f->kind(), kVariableFloat);
@@ -280,8 +280,8 @@ TEST_F(FilterFileReader, FileTypesOverrideTheDeclaredKind)
 TEST_F(FilterFileReader, ButtonsNormaliseTextAndNotifyTheMod)
 {
     ModList mods = parse("<filter><mod name=\"Every Kind\">"
-                             "<var name=\"Button\" type=\"button\"><id>12.9</id><storedtext>a\r\nb\rc\r\n</storedtext></var>"
-                             "</mod><mod name=\"Every Kind\"><var name=\"Button\" type=\"button\"></var></mod></filter>");
+                         "<var name=\"Button\" type=\"button\"><id>12.9</id><storedtext>a\r\nb\rc\r\n</storedtext></var>"
+                         "</mod><mod name=\"Every Kind\"><var name=\"Button\" type=\"button\"></var></mod></filter>");
     ASSERT_EQ(mods.size(), 2u);
     const auto* first = static_cast<const FilterTestEveryKind*>(mods[0].get());
     EXPECT_EQ(first->variables[4]->asButton()->id, 12);
@@ -375,12 +375,12 @@ TEST_F(FilterFileTest, EveryVariableKindsTextFormAndRoundTrip)
 TEST_F(FilterFileReader, SubmodsAreGroupsAndLaterModsCopyThem)
 {
     ModList mods = parse("<filter version=\"4\">"
-                             "<submod name=\"Paper\"><mod name=\"RGB Swap\" version=\"2\"></mod>"
-                             "<submod name=\"Deep\"><mod name=\"Paper\"></mod></submod></submod>"
-                             "<mod name=\"Paper\" enabled=\"0\"></mod>"
-                             "<mod name=\"Deep\"></mod>"
-                             "<mod name=\"Hue Mask\"></mod>"
-                             "</filter>");
+                         "<submod name=\"Paper\"><mod name=\"RGB Swap\" version=\"2\"></mod>"
+                         "<submod name=\"Deep\"><mod name=\"Paper\"></mod></submod></submod>"
+                         "<mod name=\"Paper\" enabled=\"0\"></mod>"
+                         "<mod name=\"Deep\"></mod>"
+                         "<mod name=\"Hue Mask\"></mod>"
+                         "</filter>");
     EXPECT_EQ(status, kFilterReadOk);
     // Inside the group "Paper" is not yet a group: the plain tile. After it, "Paper" and "Deep"
     // name the groups, as copies.
