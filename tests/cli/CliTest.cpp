@@ -198,7 +198,7 @@ TEST(CliExitStatus, BadUsageGivesTwoAndWritesNothing)
     REQUIRE_PHOTO(photo, "camera_grey8.png");
     CliFolder folder;
     const std::string look = folder.writeLook("look.vnf", true);
-    const std::string unknown = folder.writeUnknownTileLook(look, "unknown.vnf");
+    const std::string unknown = folder.writeEdited(look, "unknown.vnf", "name=\"Exposure\"", "name=\"NoSuchTile\"");
     folder.copyIn(photo, "in/p.png");
     const std::string out = folder.path("never");
     const std::vector<std::vector<std::string>> lines = {
@@ -364,7 +364,7 @@ TEST(CliFilterUpgrade, StatusDecidesTheExitAndTheKnownTilesAreWritten)
     EXPECT_EQ(clean.status, kCliOk) << clean.err;
     EXPECT_EQ(slurp(folder.path("same.vnf")), slurp(look));
 
-    const std::string unknown = folder.writeUnknownTileLook(look, "unknown.vnf");
+    const std::string unknown = folder.writeEdited(look, "unknown.vnf", "name=\"Exposure\"", "name=\"NoSuchTile\"");
     const CliRun dropped = run({ "filter", "upgrade", unknown, folder.path("fixed.vnf") });
     EXPECT_EQ(dropped.status, kCliSomeFailed);
     EXPECT_NE(dropped.out.find("dropped"), std::string::npos) << dropped.out;
@@ -373,12 +373,8 @@ TEST(CliFilterUpgrade, StatusDecidesTheExitAndTheKnownTilesAreWritten)
     EXPECT_EQ(fixed[0]->name, "Saturation");
     EXPECT_EQ(fixed[1]->name, "Split Tone");
 
-    std::string newer = slurp(look);
-    const size_t v = newer.find("version=\"4\"");
-    ASSERT_NE(v, std::string::npos);
-    newer.replace(v, 11, "version=\"7\"");
-    spill(folder.path("newer.vnf"), newer);
-    const CliRun fromNewer = run({ "filter", "upgrade", folder.path("newer.vnf"), folder.path("older.vnf") });
+    const std::string newer = folder.writeEdited(look, "newer.vnf", "version=\"4\"", "version=\"7\"");
+    const CliRun fromNewer = run({ "filter", "upgrade", newer, folder.path("older.vnf") });
     EXPECT_EQ(fromNewer.status, kCliSomeFailed);
     EXPECT_NE(fromNewer.out.find("newer"), std::string::npos) << fromNewer.out;
     EXPECT_EQ(slurp(folder.path("older.vnf")), slurp(look));

@@ -87,14 +87,15 @@ public:
         return file;
     }
 
-    // The look of the given file with its exposure tile renamed to one no catalogue holds.
-    std::string writeUnknownTileLook(const std::string& look, const std::string& name)
+    // A copy of file under name with the first `from` replaced by `to`.
+    std::string writeEdited(const std::string& file, const std::string& name, const std::string& from,
+        const std::string& to)
     {
-        std::string text = slurp(look);
-        const size_t at = text.find("name=\"Exposure\"");
-        EXPECT_NE(at, std::string::npos);
+        std::string text = slurp(file);
+        const size_t at = text.find(from);
+        EXPECT_NE(at, std::string::npos) << from;
         if (at != std::string::npos)
-            text.replace(at, 15, "name=\"NoSuchTile\"");
+            text.replace(at, from.size(), to);
         spill(path(name), text);
         return path(name);
     }
