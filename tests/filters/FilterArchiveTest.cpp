@@ -1,82 +1,17 @@
 #include "filters/FilterArchive.h"
 
-#include <QDir>
-#include <algorithm>
-#include <QDirIterator>
-#include <QFile>
+#include "FilterTestFiles.h"
+
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cstdio>
-#include <gtest/gtest.h>
-#include <string>
+#include <iterator>
+#include <ftw.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <ftw.h>
 #include <vector>
 
 namespace {
-
-// Builds archive bytes the way the packer lays them out.
-class Pack {
-public:
-    Pack& file(const std::string& name, const std::string& payload)
-    {
-        bytes += "FILE";
-        u32(uint32_t(name.size()));
-        bytes += name;
-        u32(uint32_t(payload.size()));
-        bytes += payload;
-        return *this;
-    }
-    Pack& empty()
-    {
-        bytes += "EMTY";
-        return *this;
-    }
-    Pack& raw(const std::string& b)
-    {
-        bytes += b;
-        return *this;
-    }
-    Pack& u32(uint32_t v)
-    {
-        for (int i = 0; i < 4; ++i)
-            bytes.push_back(char((v >> (8 * i)) & 0xff));
-        return *this;
-    }
-    std::string bytes;
-};
-
-std::string slurp(const QString& path)
-{
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly))
-        return "<absent>";
-    return f.readAll().toStdString();
-}
-
-void spit(const QString& path, const std::string& bytes)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes.data(), qint64(bytes.size()));
-}
-
-// Every file and folder below root, relative, sorted; folders end in "/".
-QStringList tree(const QString& root)
-{
-    QStringList out;
-    QDirIterator it(root, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
-        QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        it.next();
-        QString rel = QDir(root).relativeFilePath(it.filePath());
-        if (it.fileInfo().isDir() && !it.fileInfo().isSymLink())
-            rel += '/';
-        out << rel;
-    }
-    out.sort();
-    return out;
-}
 
 class FilterArchiveTest : public ::testing::Test {
 protected:
@@ -131,8 +66,7 @@ TEST_F(FilterArchiveTest, NestedArchivesUnpackIntoTheirOwnFolders)
         (QStringList { "Color Essentials/", "Color Essentials/Look 1.vnf", "Color Essentials/Look 2.vnf",
             "Color Essentials/Sub/", "Color Essentials/Sub/Deep Look.vnf", "Empty Group/", "top.vnf" }));
     EXPECT_EQ(slurp(target() + "/Color Essentials/Sub/Deep Look.vnf"), "deep");
-    EXPECT_EQ(slurp(a.c_str()), slurp(QString::fromStdString(a))); // the outer archive itself stays
-    EXPECT_TRUE(QFile::exists(QString::fromStdString(a)));
+    EXPECT_TRUE(QFile::exists(QString::fromStdString(a))); // the outer archive itself stays
 
     // Only the exact extension nests.
     const std::string b = archive(Pack().file("Upper.MVR", inner).file("x.mvr.vnf", "v").bytes, "b.mvr");
@@ -192,26 +126,28 @@ TEST_F(FilterArchiveTest, EveryCutKeepsTheRecordsBeforeIt)
 
 TEST_F(FilterArchiveTest, OversizedFieldsEndTheArchiveWithoutAllocating)
 {
-    // A payload size far beyond the input: the file gets what there is.
-    std::string a = Pack().file("ok.vnf", "ok").raw("FILE").u32(5).raw("big.v").u32(0xffffffffu).raw("tail").bytes;
-    EXPECT_EQ(extractArchive(archive(a), targetStr()), kArchiveTruncated);
-    EXPECT_EQ(slurp(target() + "/ok.vnf"), "ok");
-    EXPECT_EQ(slurp(target() + "/big.v"), "tail");
-
-    // A name length no file system allows: damage, not a name.
-    a = Pack().file("ok2.vnf", "ok").raw("FILE").u32(0xfffffff0u).raw("xyz").bytes;
-    EXPECT_EQ(extractArchive(archive(a), targetStr()), kArchiveBadRecord);
-    EXPECT_EQ(slurp(target() + "/ok2.vnf"), "ok");
-
-    // A name length a little beyond the input.
-    a = Pack().file("ok3.vnf", "ok").raw("FILE").u32(100).raw("short").bytes;
-    EXPECT_EQ(extractArchive(archive(a), targetStr()), kArchiveTruncated);
-
-    // An unknown tag ends the reading; what came before stays.
-    a = Pack().file("ok4.vnf", "ok").raw("JUNK").bytes + Pack().file("after.vnf", "x").bytes;
-    EXPECT_EQ(extractArchive(archive(a), targetStr()), kArchiveBadRecord);
-    EXPECT_EQ(slurp(target() + "/ok4.vnf"), "ok");
-    EXPECT_FALSE(QFile::exists(target() + "/after.vnf"));
+    const struct {
+        std::string bytes;
+        int status;
+        QStringList files;
+    } cases[] = {
+        // A payload size far beyond the input: the file gets what there is.
+        { Pack().file("ok.vnf", "ok").raw("FILE").u32(5).raw("big.v").u32(0xffffffffu).raw("tail").bytes,
+            kArchiveTruncated, { "big.v", "ok.vnf" } },
+        // A name length no file system allows: damage, not a name.
+        { Pack().file("ok.vnf", "ok").raw("FILE").u32(0xfffffff0u).raw("xyz").bytes, kArchiveBadRecord, { "ok.vnf" } },
+        // A name length a little beyond the input.
+        { Pack().file("ok.vnf", "ok").raw("FILE").u32(100).raw("short").bytes, kArchiveTruncated, { "ok.vnf" } },
+        // An unknown tag ends the reading; what came before stays.
+        { Pack().file("ok.vnf", "ok").raw("JUNK").file("after.vnf", "x").bytes, kArchiveBadRecord, { "ok.vnf" } },
+    };
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        const QString t = dir.filePath("t" + QString::number(i));
+        EXPECT_EQ(extractArchive(archive(cases[i].bytes), t.toStdString()), cases[i].status) << i;
+        EXPECT_EQ(tree(t), cases[i].files) << i;
+        EXPECT_EQ(slurp(t + "/ok.vnf"), "ok") << i;
+    }
+    EXPECT_EQ(slurp(dir.filePath("t0/big.v")), "tail");
 }
 
 TEST_F(FilterArchiveTest, HostileNamesNeverEscapeTheTarget)
@@ -289,10 +225,9 @@ TEST_F(FilterArchiveTest, NestingDepthIsBounded)
 
 TEST_F(FilterArchiveTest, ResourceArchivesGoThroughAPrivateCopy)
 {
-    const QByteArray oldTmp = qgetenv("TMPDIR");
     const QString tmp = dir.filePath("tmp");
     ASSERT_TRUE(QDir().mkpath(tmp));
-    qputenv("TMPDIR", QFile::encodeName(tmp));
+    const ScopedEnv env("TMPDIR", QFile::encodeName(tmp));
 
     const std::string src = archive(Pack().file("Group.mvr", Pack().file("p.vnf", "preset").bytes).bytes, "res.mvr");
     ASSERT_EQ(::chmod(src.c_str(), 0444), 0); // as a copy out of the resources would be
@@ -301,11 +236,6 @@ TEST_F(FilterArchiveTest, ResourceArchivesGoThroughAPrivateCopy)
     EXPECT_EQ(extractResourceArchive(":/prefs/no_such_bundle.mvr", dir.filePath("t2").toStdString()), kArchiveNotOpened);
     EXPECT_FALSE(QFileInfo::exists(dir.filePath("t2")));
     EXPECT_TRUE(tree(tmp).isEmpty());
-
-    if (oldTmp.isNull())
-        qunsetenv("TMPDIR");
-    else
-        qputenv("TMPDIR", oldTmp);
 }
 
 namespace {
@@ -334,11 +264,7 @@ TEST_F(FilterArchiveTest, FlippedBytesStayInsideTheTarget)
 {
     const std::string inner = Pack().file("in.vnf", "inside").file("sub/x.vnf", "x").bytes;
     const std::string good = Pack().file("a.vnf", "aaaa").file("g.mvr", inner).empty().file("b/c.vnf", "cc").bytes;
-    uint32_t seed = 99;
-    auto next = [&seed]() {
-        seed = seed * 1664525u + 1013904223u;
-        return seed >> 8;
-    };
+    TestRandom next { 99 };
     // Bytes that turn names into traversals or lengths into nonsense.
     const char nasty[] = { '.', '/', '\\', '\0', char(0xff), 'E', 'F' };
     const std::string fz = dir.filePath("fz").toStdString();

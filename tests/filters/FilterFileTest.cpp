@@ -1,5 +1,6 @@
 #include "filters/FilterFile.h"
 
+#include "FilterTestFiles.h"
 #include "FilterTestMods.h"
 #include "core/ImageModCompound.h"
 #include "core/ImageModVariableDataBoundary.h"
@@ -10,38 +11,10 @@
 #include "core/ImageModVariableDataPixel.h"
 #include "filters/TextNumbers.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace {
-
-ModCatalogue makeCatalogue()
-{
-    ModCatalogue c;
-    c.push_back(std::make_unique<FilterTestHueMask>());
-    c.push_back(std::make_unique<FilterTestColorizeCurve>());
-    c.push_back(std::make_unique<FilterTestRgbSwap>());
-    c.push_back(std::make_unique<FilterTestPaper>());
-    c.push_back(std::make_unique<FilterTestEveryKind>());
-    return c;
-}
-
-std::string slurp(const std::string& path)
-{
-    QFile f(QString::fromStdString(path));
-    if (!f.open(QIODevice::ReadOnly))
-        return "<absent>";
-    return f.readAll().toStdString();
-}
-
-ModList parseText(const std::string& text, const ModCatalogue& catalogue, int32_t& status)
-{
-    XmlNode root;
-    root.readText(text);
-    return filterFromXml(root, catalogue, status);
-}
-
 std::string writeText(const ModList& mods)
 {
     std::vector<const ImageMod*> list;
@@ -50,26 +23,24 @@ std::string writeText(const ModList& mods)
     return filterToXml(list).toText();
 }
 
+// The tiles as "Name[ off][ vN]", a group's children in braces: a whole structure in one check.
+std::string describe(const ModList& mods)
+{
+    std::string out;
+    for (const auto& m : mods) {
+        out += (out.empty() ? "" : ", ") + m->name + (m->enabled ? "" : " off");
+        if (m->version != 1)
+            out += " v" + std::to_string(m->version);
+        if (const auto* g = dynamic_cast<const ImageModCompound*>(m.get()))
+            out += "{" + describe(g->children) + "}";
+    }
+    return out;
+}
+
 float f6(const char* text)
 {
     return float(parseFloat(text));
 }
-
-const char* const kColorizeFile = "<filter version=\"4\">\n"
-                                  "  <mod name=\"Hue Mask\" version=\"1\" enabled=\"1\">\n"
-                                  "    <var name=\"Hue\" type=\"multichoice\">\n"
-                                  "      <selection>255 127 0</selection>\n"
-                                  "      <selection>255 255 0</selection>\n"
-                                  "    </var>\n"
-                                  "  </mod>\n"
-                                  "  <mod name=\"Colorize Curve\" version=\"2\" enabled=\"1\">\n"
-                                  "    <var name=\"Luminance Region\" type=\"curve\">0.000000 0.500000 0.518325 1.000000 "
-                                  "1.000000 0.500000 </var>\n"
-                                  "    <var name=\"Color\" type=\"color\">108.776230 68.700775 0.000000 255.000000</var>\n"
-                                  "    <var name=\"Amount\" type=\"float\">1.000000</var>\n"
-                                  "    <var name=\"Color Method\" type=\"choice\">Colorize</var>\n"
-                                  "  </mod>\n"
-                                  "</filter>\n";
 
 const char* const kOldestFile = "<filter version=\"2.0\">\n"
                                 "  <mod name=\"RGB Swap\" enabled=\"1\">\n"
@@ -79,9 +50,35 @@ const char* const kOldestFile = "<filter version=\"2.0\">\n"
                                 "  </mod>\n"
                                 "</filter>\n";
 
+// The stand-in catalogue, a scratch folder, and the status of the last read.
+class FilterFileTest : public ::testing::Test {
+protected:
+    FilterFileTest()
+    {
+        catalogue.push_back(std::make_unique<FilterTestHueMask>());
+        catalogue.push_back(std::make_unique<FilterTestColorizeCurve>());
+        catalogue.push_back(std::make_unique<FilterTestRgbSwap>());
+        catalogue.push_back(std::make_unique<FilterTestPaper>());
+        catalogue.push_back(std::make_unique<FilterTestEveryKind>());
+    }
+    ModList parse(const std::string& text)
+    {
+        XmlNode root;
+        root.readText(text);
+        return filterFromXml(root, catalogue, status);
+    }
+    std::string path(const char* name) const { return dir.filePath(name).toStdString(); }
+
+    ModCatalogue catalogue;
+    int32_t status = -1;
+    QTemporaryDir dir;
+};
+using FilterFileWriter = FilterFileTest;
+using FilterFileReader = FilterFileTest;
+
 } // namespace
 
-TEST(FilterFileWriter, BuildsTheColorizePresetByteForByte)
+TEST_F(FilterFileWriter, BuildsTheColorizePresetByteForByte)
 {
     ModList mods;
     auto mask = std::make_unique<FilterTestHueMask>();
@@ -98,23 +95,18 @@ TEST(FilterFileWriter, BuildsTheColorizePresetByteForByte)
     colorize->variables[3]->asChoice()->index = 0;
     mods.push_back(std::move(colorize));
 
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const std::string path = dir.filePath("Warm Highlights.vnf").toStdString();
-    ASSERT_TRUE(writeFilter(mods, path));
-    EXPECT_EQ(slurp(path), kColorizeFile);
+    ASSERT_TRUE(writeFilter(mods, path("Warm Highlights.vnf")));
+    EXPECT_EQ(slurp(path("Warm Highlights.vnf")), kColorizeFile);
 
     // And it reads back to equal mods.
-    int32_t status = -1;
-    const ModCatalogue catalogue = makeCatalogue();
-    const ModList back = readFilter(path, catalogue, status);
+    const ModList back = readFilter(path("Warm Highlights.vnf"), catalogue, status);
     EXPECT_EQ(status, kFilterReadOk);
     ASSERT_EQ(back.size(), 2u);
     EXPECT_TRUE(back[0]->isEqual(*mods[0]));
     EXPECT_TRUE(back[1]->isEqual(*mods[1]));
 }
 
-TEST(FilterFileWriter, PlainShapes)
+TEST_F(FilterFileWriter, PlainShapes)
 {
     ModList mods;
     mods.push_back(std::make_unique<FilterTestPaper>());
@@ -134,73 +126,17 @@ TEST(FilterFileWriter, PlainShapes)
     EXPECT_EQ(writeText(mods), "<filter version=\"4\">\n  <mod name=\"Paper\" version=\"1\" enabled=\"1\"></mod>\n</filter>\n");
 
     // Nothing to write: no file at all.
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const std::string path = dir.filePath("empty.vnf").toStdString();
-    EXPECT_FALSE(writeFilter(ModList(), path));
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(path)));
-    EXPECT_FALSE(writeFilter(mods, dir.filePath("missing/folder/x.vnf").toStdString()));
+    EXPECT_FALSE(writeFilter(ModList(), path("empty.vnf")));
+    EXPECT_EQ(slurp(path("empty.vnf")), "<absent>");
+    EXPECT_FALSE(writeFilter(mods, path("missing/folder/x.vnf")));
 }
 
-TEST(FilterFileWriter, EveryVariableKindsTextForm)
+TEST_F(FilterFileReader, OldestGenerationLoadsAndSavesAsVersion4)
 {
-    FilterTestEveryKind m;
-    m.variables[0]->asFloat()->value = 1.25f;
-    m.variables[1]->asCurve()->curve.points = { { 0.0f, 0.1f }, { 0.5f, 0.6f }, { 1.0f, 0.9f } };
-    m.variables[2]->asCurve()->curve.hueOffset = 90.5f;
-    m.variables[4]->asButton()->id = 3;
-    m.variables[4]->asButton()->storedText = "line one\r\nline two\r\n";
-    m.variables[5]->asChoice()->index = 2;
-    m.variables[6]->asMultiChoice()->selected = { 3, 0, 9 }; // 9 has no label: left out
-    m.variables[7]->asFile()->path = "/photos/My Border.png";
-    m.variables[8]->asPixel()->points = { { 10.5f, -1.0f }, { 3.0f, 4.0f } };
-    m.variables[9]->asBoundary()->left = 0.125f;
-    const XmlNode root = filterToXml({ &m });
-    EXPECT_EQ(root.toText(),
-        "<filter version=\"4\">\n"
-        "  <mod name=\"Every Kind\" version=\"3\" enabled=\"1\">\n"
-        "    <var name=\"Amount\" type=\"float\">1.250000</var>\n"
-        "    <var name=\"Curve\" type=\"curve\">0.000000 0.100000 0.500000 0.600000 1.000000 0.900000 </var>\n"
-        "    <var name=\"Hue Curve\" type=\"curve\" hueOffset=\"90.500000\">0.000000 0.500000 0.500000 0.500000 "
-        "1.000000 0.500000 </var>\n"
-        "    <var name=\"Color\" type=\"color\">1.000000 2.000000 3.000000 4.000000</var>\n"
-        "    <var name=\"Button\" type=\"button\">\n"
-        "      <id>3</id>\n"
-        "      <storedtext>line one\nline two\n</storedtext>\n"
-        "    </var>\n"
-        "    <var name=\"Method\" type=\"choice\">Both</var>\n"
-        "    <var name=\"Picks\" type=\"multichoice\">\n"
-        "      <selection>d</selection>\n"
-        "      <selection>a</selection>\n"
-        "    </var>\n"
-        "    <var name=\"Image\" type=\"file\">/photos/My Border.png</var>\n"
-        "    <var name=\"Point\" type=\"pixelxy\">10.500000 -1.000000 3.000000 4.000000</var>\n"
-        "    <var name=\"Edges\" type=\"boundary\">0.125000 0.000000 1.000000 1.000000</var>\n"
-        "    <var name=\"Nothing\" type=\"unknown\"></var>\n"
-        "  </mod>\n"
-        "</filter>\n");
-
-    // A button without text writes only its id.
-    m.variables[4]->asButton()->storedText.clear();
-    const XmlNode button = variableToXml(*m.variables[4]);
-    ASSERT_EQ(button.children.size(), 1u);
-    EXPECT_EQ(button.children[0].tag, "id");
-}
-
-TEST(FilterFileReader, OldestGenerationLoadsAndSavesAsVersion4)
-{
-    const ModCatalogue catalogue = makeCatalogue();
-    int32_t status = -1;
-    ModList mods = parseText(kOldestFile, catalogue, status);
+    ModList mods = parse(kOldestFile);
     EXPECT_EQ(status, kFilterReadOk);
     ASSERT_EQ(mods.size(), 1u);
-    EXPECT_EQ(mods[0]->name, "RGB Swap");
-    EXPECT_EQ(mods[0]->version, 1); // no version: the oldest algorithm, not the class's newest
-    const ImageModVariableDataColor* red = mods[0]->colorAt(0);
-    ASSERT_NE(red, nullptr);
-    EXPECT_EQ(red->red, 255.0f);
-    EXPECT_EQ(red->alpha, 255.0f); // three numbers: opaque
-    EXPECT_EQ(mods[0]->colorAt(2)->blue, 255.0f);
+    // No version: the oldest algorithm (1), not the class's newest. Three numbers: opaque.
     EXPECT_EQ(writeText(mods),
         "<filter version=\"4\">\n"
         "  <mod name=\"RGB Swap\" version=\"1\" enabled=\"1\">\n"
@@ -211,61 +147,50 @@ TEST(FilterFileReader, OldestGenerationLoadsAndSavesAsVersion4)
         "</filter>\n");
 }
 
-TEST(FilterFileReader, Statuses)
+TEST_F(FilterFileReader, Statuses)
 {
-    const ModCatalogue catalogue = makeCatalogue();
-    int32_t status = -1;
-
-    ModList mods = parseText("<filter version=\"5\"><mod name=\"Paper\"></mod><mod name=\"RGB Swap\"/></filter>",
-        catalogue, status);
-    EXPECT_EQ(status, kFilterReadNewer);
-    EXPECT_EQ(mods.size(), 2u);
-    mods = parseText("<filter version=\"4.99\"><mod name=\"Paper\"></mod></filter>", catalogue, status);
-    EXPECT_EQ(status, kFilterReadOk);
-    mods = parseText("<filter version=\"12\"></filter>", catalogue, status);
-    EXPECT_EQ(status, kFilterReadNewer);
-    EXPECT_TRUE(mods.empty());
-
-    mods = parseText("<filter version=\"4\"><mod name=\"Paper\"></mod><mod name=\"Lens Flare 9000\"></mod>"
-                     "<mod name=\"RGB Swap\"></mod></filter>",
-        catalogue, status);
-    EXPECT_EQ(status, kFilterReadDamaged);
-    ASSERT_EQ(mods.size(), 2u);
-    EXPECT_EQ(mods[1]->name, "RGB Swap");
-    mods = parseText("<filter version=\"6\"><mod name=\"Nope\"></mod><mod name=\"Paper\"></mod></filter>", catalogue,
-        status);
-    EXPECT_EQ(status, kFilterReadDamaged);
-    EXPECT_EQ(mods.size(), 1u);
-
-    for (const char* text : { "", "<preset><mod name=\"Paper\"></mod></preset>", "<!DOCTYPE x><filter></filter>",
-             "just text", "<filter" }) {
-        mods = parseText(text, catalogue, status);
-        EXPECT_EQ(status, kFilterReadDamaged) << text;
-        EXPECT_TRUE(mods.empty()) << text;
+    const struct {
+        const char* text;
+        int32_t status;
+        size_t mods;
+    } cases[] = {
+        { "<filter version=\"5\"><mod name=\"Paper\"></mod><mod name=\"RGB Swap\"/></filter>", kFilterReadNewer, 2 },
+        { "<filter version=\"4.99\"><mod name=\"Paper\"></mod></filter>", kFilterReadOk, 1 },
+        { "<filter version=\"12\"></filter>", kFilterReadNewer, 0 },
+        // An unknown tile is left out; damage outranks a newer version.
+        { "<filter version=\"4\"><mod name=\"Paper\"></mod><mod name=\"Lens Flare 9000\"></mod>"
+          "<mod name=\"RGB Swap\"></mod></filter>",
+            kFilterReadDamaged, 2 },
+        { "<filter version=\"6\"><mod name=\"Nope\"></mod><mod name=\"Paper\"></mod></filter>", kFilterReadDamaged, 1 },
+        { "", kFilterReadDamaged, 0 },
+        { "<preset><mod name=\"Paper\"></mod></preset>", kFilterReadDamaged, 0 },
+        { "<!DOCTYPE x><filter></filter>", kFilterReadDamaged, 0 },
+        { "just text", kFilterReadDamaged, 0 },
+        { "<filter", kFilterReadDamaged, 0 },
+        // Declarations and comments before the filter don't count as its first element.
+        { "<?xml version=\"1.0\"?><!-- x --><filter version=\"4\"><mod name=\"Paper\"/></filter>", kFilterReadOk, 1 },
+    };
+    for (const auto& c : cases) {
+        const ModList mods = parse(c.text);
+        EXPECT_EQ(status, c.status) << c.text;
+        EXPECT_EQ(mods.size(), c.mods) << c.text;
     }
-    // Declarations and comments before the filter don't count as its first element.
-    mods = parseText("<?xml version=\"1.0\"?><!-- x --><filter version=\"4\"><mod name=\"Paper\"/></filter>",
-        catalogue, status);
-    EXPECT_EQ(status, kFilterReadOk);
-    EXPECT_EQ(mods.size(), 1u);
-
-    mods = readFilter("/nonexistent/folder/x.vnf", catalogue, status);
+    const ModList kept = parse(cases[3].text);
+    ASSERT_EQ(kept.size(), 2u);
+    EXPECT_EQ(kept[1]->name, "RGB Swap");
+    EXPECT_TRUE(readFilter("/nonexistent/folder/x.vnf", catalogue, status).empty());
     EXPECT_EQ(status, kFilterReadDamaged);
-    EXPECT_TRUE(mods.empty());
 }
 
-TEST(FilterFileReader, ModAttributes)
+TEST_F(FilterFileReader, ModAttributes)
 {
-    const ModCatalogue catalogue = makeCatalogue();
-    int32_t status = -1;
-    ModList mods = parseText("<filter version=\"4\">"
-                             "<mod name=\"Paper\" enabled=\"0\" version=\"7\" alias=\"Old Paper\"></mod>"
-                             "<mod name=\"Paper\" enabled=\"0.9\"></mod>"
-                             "<mod name=\"Paper\" enabled=\"-2\" version=\"2.8\"></mod>"
-                             "<mod name=\"Paper\" enabled=\"\"><attr name=\"Hidden\">true</attr><attr name=\"K\">1</attr>"
-                             "<attr name=\"Hidden\">false</attr><junk>x</junk></mod>"
-                             "</filter>",
-        catalogue, status);
+    ModList mods = parse("<filter version=\"4\">"
+                         "<mod name=\"Paper\" enabled=\"0\" version=\"7\" alias=\"Old Paper\"></mod>"
+                         "<mod name=\"Paper\" enabled=\"0.9\"></mod>"
+                         "<mod name=\"Paper\" enabled=\"-2\" version=\"2.8\"></mod>"
+                         "<mod name=\"Paper\" enabled=\"\"><attr name=\"Hidden\">true</attr><attr name=\"K\">1</attr>"
+                         "<attr name=\"Hidden\">false</attr><junk>x</junk></mod>"
+                         "</filter>");
     EXPECT_EQ(status, kFilterReadOk);
     ASSERT_EQ(mods.size(), 4u);
     EXPECT_FALSE(mods[0]->enabled);
@@ -279,26 +204,23 @@ TEST(FilterFileReader, ModAttributes)
     EXPECT_EQ(mods[3]->attrValues, (std::vector<std::string> { "false", "1" }));
 }
 
-TEST(FilterFileReader, VariableRules)
+TEST_F(FilterFileReader, VariableRules)
 {
-    const ModCatalogue catalogue = makeCatalogue();
-    int32_t status = -1;
     const FilterTestEveryKind fresh;
-    ModList mods = parseText("<filter version=\"3\"><mod name=\"Every Kind\" version=\"3\">"
-                             "<var name=\"Curve\" type=\"curve\">0.2 0.3 </var>"
-                             "<var name=\"Hue Curve\" type=\"curve\" hueOffset=\"45\">0 0.25 0.5 0.75 1 0.25</var>"
-                             "<var name=\"Color\" type=\"color\">9 8</var>"
-                             "<var name=\"Method\" type=\"choice\">Strong</var>"
-                             "<var name=\"Picks\" type=\"multichoice\"><selection>c</selection>"
-                             "<selection>zzz</selection><selection>a</selection></var>"
-                             "<var name=\"Point\" type=\"pixelxy\">1 2 3 4 5</var>"
-                             "<var name=\"Edges\" type=\"boundary\">0.1 0.2</var>"
-                             "<var name=\"Image\" type=\"file\"> spaced path </var>"
-                             "<var name=\"Nothing\" type=\"unknown\">5</var>"
-                             "<var name=\"Not Declared\" type=\"float\">5</var>"
-                             "<var name=\"Amount\" type=\"sparkle\">5</var>"
-                             "</mod></filter>",
-        catalogue, status);
+    ModList mods = parse("<filter version=\"3\"><mod name=\"Every Kind\" version=\"3\">"
+                         "<var name=\"Curve\" type=\"curve\">0.2 0.3 </var>"
+                         "<var name=\"Hue Curve\" type=\"curve\" hueOffset=\"45\">0 0.25 0.5 0.75 1 0.25</var>"
+                         "<var name=\"Color\" type=\"color\">9 8</var>"
+                         "<var name=\"Method\" type=\"choice\">Strong</var>"
+                         "<var name=\"Picks\" type=\"multichoice\"><selection>c</selection>"
+                         "<selection>zzz</selection><selection>a</selection></var>"
+                         "<var name=\"Point\" type=\"pixelxy\">1 2 3 4 5</var>"
+                         "<var name=\"Edges\" type=\"boundary\">0.1 0.2</var>"
+                         "<var name=\"Image\" type=\"file\"> spaced path </var>"
+                         "<var name=\"Nothing\" type=\"unknown\">5</var>"
+                         "<var name=\"Not Declared\" type=\"float\">5</var>"
+                         "<var name=\"Amount\" type=\"sparkle\">5</var>"
+                         "</mod></filter>");
     EXPECT_EQ(status, kFilterReadOk);
     ASSERT_EQ(mods.size(), 1u);
     const ImageMod& m = *mods[0];
@@ -322,24 +244,20 @@ TEST(FilterFileReader, VariableRules)
     EXPECT_EQ(m.variableCount(), fresh.variableCount());
 
     // A choice label nobody knows leaves the index; a multichoice with no match empties.
-    mods = parseText("<filter><mod name=\"Every Kind\"><var name=\"Method\" type=\"choice\">Wobbly</var>"
-                     "<var name=\"Picks\" type=\"multichoice\"><selection>q</selection></var></mod></filter>",
-        catalogue, status);
+    mods = parse("<filter><mod name=\"Every Kind\"><var name=\"Method\" type=\"choice\">Wobbly</var>"
+                 "<var name=\"Picks\" type=\"multichoice\"><selection>q</selection></var></mod></filter>");
     ASSERT_EQ(mods.size(), 1u);
     EXPECT_EQ(mods[0]->choiceIndex(5), 0);
     EXPECT_TRUE(mods[0]->multiChoiceAt(6)->selected.empty());
 }
 
-TEST(FilterFileReader, FileTypesOverrideTheDeclaredKind)
+TEST_F(FilterFileReader, FileTypesOverrideTheDeclaredKind)
 {
-    const ModCatalogue catalogue = makeCatalogue();
-    int32_t status = -1;
-    ModList mods = parseText("<filter><mod name=\"Every Kind\">"
-                             "<var name=\"Method\" type=\"float\">0.75</var>"
-                             "<var name=\"Amount\" type=\"choice\">Default</var>"
-                             "<var name=\"Nothing\" type=\"color\">1 2 3</var>"
-                             "</mod></filter>",
-        catalogue, status);
+    ModList mods = parse("<filter><mod name=\"Every Kind\">"
+                         "<var name=\"Method\" type=\"float\">0.75</var>"
+                         "<var name=\"Amount\" type=\"choice\">Default</var>"
+                         "<var name=\"Nothing\" type=\"color\">1 2 3</var>"
+                         "</mod></filter>");
     ASSERT_EQ(mods.size(), 1u);
     const ImageModVariableData* f = mods[0]->variables[5]->data.get();
     ASSERT_EQ(f->kind(), kVariableFloat);
@@ -353,14 +271,11 @@ TEST(FilterFileReader, FileTypesOverrideTheDeclaredKind)
     EXPECT_EQ(mods[0]->colorAt(10)->alpha, 255.0f);
 }
 
-TEST(FilterFileReader, ButtonsNormaliseTextAndNotifyTheMod)
+TEST_F(FilterFileReader, ButtonsNormaliseTextAndNotifyTheMod)
 {
-    const ModCatalogue catalogue = makeCatalogue();
-    int32_t status = -1;
-    ModList mods = parseText("<filter><mod name=\"Every Kind\">"
-                             "<var name=\"Button\" type=\"button\"><id>12.9</id><storedtext>a\r\nb\rc\r\n</storedtext></var>"
-                             "</mod><mod name=\"Every Kind\"><var name=\"Button\" type=\"button\"></var></mod></filter>",
-        catalogue, status);
+    ModList mods = parse("<filter><mod name=\"Every Kind\">"
+                         "<var name=\"Button\" type=\"button\"><id>12.9</id><storedtext>a\r\nb\rc\r\n</storedtext></var>"
+                         "</mod><mod name=\"Every Kind\"><var name=\"Button\" type=\"button\"></var></mod></filter>");
     ASSERT_EQ(mods.size(), 2u);
     const auto* first = static_cast<const FilterTestEveryKind*>(mods[0].get());
     EXPECT_EQ(first->variables[4]->asButton()->id, 12);
@@ -372,26 +287,60 @@ TEST(FilterFileReader, ButtonsNormaliseTextAndNotifyTheMod)
     EXPECT_EQ(second->changed, (std::vector<int32_t> { 4 }));
 }
 
-TEST(FilterFileRoundTrip, EveryKindWithNonDefaultValues)
+TEST_F(FilterFileTest, EveryVariableKindsTextFormAndRoundTrip)
 {
-    const ModCatalogue catalogue = makeCatalogue();
     auto m = std::make_unique<FilterTestEveryKind>();
     m->enabled = false;
     m->setVersion(2);
-    m->variables[0]->asFloat()->value = 1.75f;
+    m->variables[0]->asFloat()->value = 1.25f;
     m->variables[1]->asCurve()->curve.points = { { 0.0f, 0.125f }, { 0.25f, 0.5f }, { 1.0f, 0.875f } };
     m->variables[1]->asCurve()->curve.rebuild();
-    m->variables[2]->asCurve()->curve.hueOffset = 33.5f;
+    m->variables[2]->asCurve()->curve.hueOffset = 90.5f;
     *m->variables[3]->asColor() = ImageModVariableDataColor(12.5f, 200.0f, 0.25f, 128.0f);
-    m->variables[4]->asButton()->id = 5;
-    m->variables[4]->asButton()->storedText = "Hello\nWorld";
+    m->variables[4]->asButton()->id = 3;
+    m->variables[4]->asButton()->storedText = "line one\nline two\n";
     m->variables[5]->asChoice()->index = 2;
-    m->variables[6]->asMultiChoice()->selected = { 3, 1 };
-    m->variables[7]->asFile()->path = "/a b/c.png";
-    m->variables[8]->asPixel()->points = { { 100.0f, 200.5f } };
+    m->variables[6]->asMultiChoice()->selected = { 3, 0 };
+    m->variables[7]->asFile()->path = "/photos/My Border.png";
+    m->variables[8]->asPixel()->points = { { 10.5f, -1.0f }, { 3.0f, 4.0f } };
     *m->variables[9]->asBoundary() = ImageModVariableDataBoundary(0.1875f, 0.25f, 0.75f, 0.5f);
+    EXPECT_EQ(filterToXml({ m.get() }).toText(),
+        "<filter version=\"4\">\n"
+        "  <mod name=\"Every Kind\" version=\"2\" enabled=\"0\">\n"
+        "    <var name=\"Amount\" type=\"float\">1.250000</var>\n"
+        "    <var name=\"Curve\" type=\"curve\">0.000000 0.125000 0.250000 0.500000 1.000000 0.875000 </var>\n"
+        "    <var name=\"Hue Curve\" type=\"curve\" hueOffset=\"90.500000\">0.000000 0.500000 0.500000 0.500000 "
+        "1.000000 0.500000 </var>\n"
+        "    <var name=\"Color\" type=\"color\">12.500000 200.000000 0.250000 128.000000</var>\n"
+        "    <var name=\"Button\" type=\"button\">\n"
+        "      <id>3</id>\n"
+        "      <storedtext>line one\nline two\n</storedtext>\n"
+        "    </var>\n"
+        "    <var name=\"Method\" type=\"choice\">Both</var>\n"
+        "    <var name=\"Picks\" type=\"multichoice\">\n"
+        "      <selection>d</selection>\n"
+        "      <selection>a</selection>\n"
+        "    </var>\n"
+        "    <var name=\"Image\" type=\"file\">/photos/My Border.png</var>\n"
+        "    <var name=\"Point\" type=\"pixelxy\">10.500000 -1.000000 3.000000 4.000000</var>\n"
+        "    <var name=\"Edges\" type=\"boundary\">0.187500 0.250000 0.750000 0.500000</var>\n"
+        "    <var name=\"Nothing\" type=\"unknown\"></var>\n"
+        "  </mod>\n"
+        "</filter>\n");
     m->attrNames = { "Hidden" };
     m->attrValues = { "true" };
+
+    // Line ends are written bare; a selection without a label is left out; a button without
+    // text writes only its id.
+    FilterTestEveryKind odd;
+    odd.variables[4]->asButton()->storedText = "a\r\nb\r\n";
+    odd.variables[6]->asMultiChoice()->selected = { 3, 0, 9 };
+    EXPECT_EQ(variableToXml(*odd.variables[4]).children.at(1).text, "a\nb\n");
+    EXPECT_EQ(variableToXml(*odd.variables[6]).children.size(), 2u);
+    odd.variables[4]->asButton()->storedText.clear();
+    const XmlNode button = variableToXml(*odd.variables[4]);
+    ASSERT_EQ(button.children.size(), 1u);
+    EXPECT_EQ(button.children[0].tag, "id");
 
     ModList list;
     list.push_back(cloneMod(*m));
@@ -403,84 +352,55 @@ TEST(FilterFileRoundTrip, EveryKindWithNonDefaultValues)
     group->addChild(std::move(inner));
     list.push_back(std::move(group));
 
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const std::string path = dir.filePath("round.vnf").toStdString();
-    ASSERT_TRUE(writeFilter(list, path));
-    int32_t status = -1;
-    const ModList back = readFilter(path, catalogue, status);
+    ASSERT_TRUE(writeFilter(list, path("round.vnf")));
+    const ModList back = readFilter(path("round.vnf"), catalogue, status);
     EXPECT_EQ(status, kFilterReadOk);
     ASSERT_EQ(back.size(), list.size());
     for (size_t i = 0; i < list.size(); ++i)
         EXPECT_TRUE(back[i]->isEqual(*list[i])) << i;
     EXPECT_EQ(back[0]->attrValues, m->attrValues);
-    EXPECT_EQ(back[0]->variables[2]->asCurve()->curve.hueOffset, 33.5f);
-    const auto* g = dynamic_cast<const ImageModCompound*>(back[2].get());
-    ASSERT_NE(g, nullptr);
-    EXPECT_EQ(g->name, "Warm Group");
-    ASSERT_EQ(g->children.size(), 2u);
-    EXPECT_EQ(g->children[1]->name, "Inner");
-    EXPECT_EQ(g->children[1]->kind(), 3);
+    EXPECT_EQ(back[0]->variables[2]->asCurve()->curve.hueOffset, 90.5f);
+    EXPECT_EQ(describe(back), "Every Kind off v2, Paper, Warm Group{Every Kind off v2, Inner{RGB Swap v2}}");
     // Saved again, the bytes don't move.
-    const std::string again = dir.filePath("again.vnf").toStdString();
-    ASSERT_TRUE(writeFilter(back, again));
-    EXPECT_EQ(slurp(again), slurp(path));
+    ASSERT_TRUE(writeFilter(back, path("again.vnf")));
+    EXPECT_EQ(slurp(path("again.vnf")), slurp(path("round.vnf")));
 }
 
-TEST(FilterFileReader, SubmodsAreGroupsAndLaterModsCopyThem)
+TEST_F(FilterFileReader, SubmodsAreGroupsAndLaterModsCopyThem)
 {
-    const ModCatalogue catalogue = makeCatalogue();
-    int32_t status = -1;
-    ModList mods = parseText("<filter version=\"4\">"
-                             "<submod name=\"Paper\"><mod name=\"RGB Swap\" version=\"2\"></mod>"
-                             "<submod name=\"Deep\"><mod name=\"Paper\"></mod></submod></submod>"
-                             "<mod name=\"Paper\" enabled=\"0\"></mod>"
-                             "<mod name=\"Deep\"></mod>"
-                             "<mod name=\"Hue Mask\"></mod>"
-                             "</filter>",
-        catalogue, status);
+    ModList mods = parse("<filter version=\"4\">"
+                         "<submod name=\"Paper\"><mod name=\"RGB Swap\" version=\"2\"></mod>"
+                         "<submod name=\"Deep\"><mod name=\"Paper\"></mod></submod></submod>"
+                         "<mod name=\"Paper\" enabled=\"0\"></mod>"
+                         "<mod name=\"Deep\"></mod>"
+                         "<mod name=\"Hue Mask\"></mod>"
+                         "</filter>");
     EXPECT_EQ(status, kFilterReadOk);
+    // Inside the group "Paper" is not yet a group: the plain tile. After it, "Paper" and "Deep"
+    // name the groups, as copies.
+    EXPECT_EQ(describe(mods), "Paper{RGB Swap v2, Deep{Paper}}, Paper off{RGB Swap v2, Deep{Paper}}, Deep{Paper}, Hue Mask");
     ASSERT_EQ(mods.size(), 4u);
     const auto* group = dynamic_cast<const ImageModCompound*>(mods[0].get());
-    ASSERT_NE(group, nullptr);
-    EXPECT_TRUE(group->enabled);
-    EXPECT_EQ(group->floatValue(0), 1.0f);
-    ASSERT_EQ(group->children.size(), 2u);
-    // Inside the group, "Paper" was not yet defined as a group: it is the plain tile.
-    const auto* deep = dynamic_cast<const ImageModCompound*>(group->children[1].get());
-    ASSERT_NE(deep, nullptr);
-    ASSERT_EQ(deep->children.size(), 1u);
-    EXPECT_EQ(deep->children[0]->kind(), 0);
-
-    // "Paper" after the group names the group, not the catalogue's tile.
     const auto* copy = dynamic_cast<const ImageModCompound*>(mods[1].get());
-    ASSERT_NE(copy, nullptr);
-    EXPECT_FALSE(copy->enabled);
-    ASSERT_EQ(copy->children.size(), 2u);
-    EXPECT_EQ(copy->children[0]->name, "RGB Swap");
-    EXPECT_EQ(copy->children[0]->version, 2);
-    EXPECT_NE(copy->children[0].get(), group->children[0].get()); // a copy, not shared
-    const auto* deepCopy = dynamic_cast<const ImageModCompound*>(mods[2].get());
-    ASSERT_NE(deepCopy, nullptr); // nested groups are defined too
-    EXPECT_EQ(deepCopy->children.size(), 1u);
-    EXPECT_EQ(mods[3]->name, "Hue Mask");
+    ASSERT_TRUE(group && copy && !group->children.empty() && !copy->children.empty());
+    EXPECT_EQ(group->floatValue(0), 1.0f);
+    EXPECT_NE(copy->children[0].get(), group->children[0].get());
 }
 
-TEST(FilterFileReader, LastCatalogueMatchWins)
+TEST_F(FilterFileReader, LastCatalogueMatchWins)
 {
-    ModCatalogue catalogue;
+    catalogue.clear();
     catalogue.push_back(std::make_unique<FilterTestPaper>());
     auto second = std::make_unique<FilterTestRgbSwap>();
     second->name = "Paper";
     catalogue.push_back(std::move(second));
-    int32_t status = -1;
-    ModList mods = parseText("<filter><mod name=\"Paper\"></mod><mod name=\"paper\"></mod></filter>", catalogue, status);
+    ModList mods = parse("<filter><mod name=\"Paper\"></mod><mod name=\"paper\"></mod></filter>");
     EXPECT_EQ(status, kFilterReadDamaged); // names compare exactly
     ASSERT_EQ(mods.size(), 1u);
     EXPECT_EQ(mods[0]->variableCount(), 3);
 }
 
-TEST(FilterFileReader, GroupsNamingGroupsCannotExplode)
+TEST_F(FilterFileReader, GroupsNamingGroupsCannotExplode)
 {
     // Each level holds ten copies of the one before: 10^12 tiles if nothing stopped it.
     std::string text = "<filter version=\"4\"><submod name=\"L0\"><mod name=\"Paper\"></mod></submod>";
@@ -491,9 +411,7 @@ TEST(FilterFileReader, GroupsNamingGroupsCannotExplode)
         text += "</submod>";
     }
     text += "<mod name=\"Paper\"></mod></filter>";
-    const ModCatalogue catalogue = makeCatalogue();
-    int32_t status = -1;
-    const ModList mods = parseText(text, catalogue, status);
+    const ModList mods = parse(text);
     EXPECT_EQ(status, kFilterReadDamaged);
     ASSERT_EQ(mods.size(), 14u);
     EXPECT_EQ(mods.back()->name, "Paper");
@@ -503,25 +421,19 @@ TEST(FilterFileReader, GroupsNamingGroupsCannotExplode)
     EXPECT_EQ(l3->children.size(), 10u);
 }
 
-TEST(FilterFileReader, ScrambledFilesNeverBreakTheReader)
+TEST_F(FilterFileReader, ScrambledFilesNeverBreakTheReader)
 {
-    const ModCatalogue catalogue = makeCatalogue();
     const std::string good = std::string(kColorizeFile)
         + "<submod name=\"G\"><mod name=\"Every Kind\"><var name=\"Button\" type=\"button\"><id>1</id></var>"
           "<var name=\"Hue Curve\" type=\"curve\" hueOffset=\"3\">0 0 1 1</var></mod></submod><mod name=\"G\"></mod>";
     const char nasty[] = { '<', '>', '/', '"', ' ', '=', '0', '9', 'e', '-' };
-    uint32_t seed = 7;
-    auto next = [&seed]() {
-        seed = seed * 1664525u + 1013904223u;
-        return seed >> 8;
-    };
+    TestRandom next { 7 };
     for (int round = 0; round < 3000; ++round) {
         std::string text = good;
         const int flips = 1 + int(next() % 6);
         for (int f = 0; f < flips; ++f)
             text[next() % text.size()] = nasty[next() % sizeof nasty];
-        int32_t status = -1;
-        const ModList mods = parseText(text, catalogue, status);
+        const ModList mods = parse(text);
         ASSERT_TRUE(status == kFilterReadOk || status == kFilterReadNewer || status == kFilterReadDamaged);
         ASSERT_LE(mods.size(), 10u);
         if (status == kFilterReadDamaged && mods.empty())
@@ -529,9 +441,8 @@ TEST(FilterFileReader, ScrambledFilesNeverBreakTheReader)
         // Whatever loaded is written in a form that reads back to the same text ("%f" rounds
         // odd numbers once, on the first writing).
         const std::string written = writeText(mods);
-        int32_t again = -1;
-        const ModList back = parseText(written, catalogue, again);
-        EXPECT_EQ(again, kFilterReadOk);
+        const ModList back = parse(written);
+        EXPECT_EQ(status, kFilterReadOk);
         ASSERT_EQ(back.size(), mods.size()) << text;
         ASSERT_EQ(writeText(back), written) << round << "\n" << text;
     }

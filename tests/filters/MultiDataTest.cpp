@@ -2,37 +2,14 @@
 #include "filters/PreferenceKeys.h"
 #include "filters/TextNumbers.h"
 
-#include <QDir>
-#include <QFile>
+#include "FilterTestFiles.h"
+
 #include <QTemporaryDir>
 #include <clocale>
 #include <cstdio>
-#include <cstdlib>
-#include <gtest/gtest.h>
 #include <string>
 
 namespace {
-
-std::string slurp(const std::string& path)
-{
-    std::string out;
-    if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
-        char buf[4096];
-        size_t got;
-        while ((got = std::fread(buf, 1, sizeof buf, f)) > 0)
-            out.append(buf, got);
-        std::fclose(f);
-    }
-    return out;
-}
-
-void spit(const std::string& path, const std::string& bytes)
-{
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    ASSERT_NE(f, nullptr);
-    std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-}
 
 void fillSample(MultiData& d)
 {
@@ -42,6 +19,19 @@ void fillSample(MultiData& d)
     d.setInt(PrefKeys::kCurrentTab, -3);
     d.setStringArray(PrefKeys::kStarredFilterList, { "Film/Warm Fade.vnf", "B&W/Deep Silver.vnf" });
     d.setString(PrefKeys::kLastFont, "Bitstream Vera Sans");
+}
+
+// Every key of part is in whole, with the same type and value.
+void expectEntriesOf(MultiData& part, MultiData& whole, const std::string& where)
+{
+    for (const std::string& k : part.keys()) {
+        ASSERT_TRUE(whole.contains(k)) << where << " key " << k;
+        EXPECT_EQ(part.typeOf(k), whole.typeOf(k)) << where << " key " << k;
+        if (whole.typeOf(k) == "string array")
+            EXPECT_EQ(part.getStringArray(k, {}), whole.getStringArray(k, {})) << where << " key " << k;
+        else
+            EXPECT_EQ(part.getString(k, "?"), whole.getString(k, "?")) << where << " key " << k;
+    }
 }
 
 const char* const kSampleText = "<VantrelPrefs>\n"
@@ -109,45 +99,25 @@ TEST(TextNumbers, IgnoresTheProcessLocale)
 TEST(MultiData, GettersCreateMissingKeysWithTheirDefaults)
 {
     MultiData d;
-    EXPECT_FALSE(d.contains(PrefKeys::kWindowGeometry));
-    EXPECT_EQ(d.getString(PrefKeys::kWindowGeometry, PrefKeys::kWindowGeometryDefault), "100 100 1200 800");
-    EXPECT_EQ(d.typeOf(PrefKeys::kWindowGeometry), "string");
-    EXPECT_TRUE(d.getBool(PrefKeys::kUseHoverPreviews, PrefKeys::kUseHoverPreviewsDefault));
-    EXPECT_EQ(d.getInt(PrefKeys::kCurrentTab, 2), 2);
-    EXPECT_FLOAT_EQ(d.getFloat(PrefKeys::kDefaultFiltersVersion, PrefKeys::kDefaultFiltersVersionDefault), 0.0f);
-    EXPECT_EQ(d.getStringArray(PrefKeys::kCollapsedToolSections, PrefKeys::collapsedToolSectionsDefault()),
-        PrefKeys::collapsedToolSectionsDefault());
-    EXPECT_EQ(d.getStringArray(PrefKeys::kStarredFilterList, {}), std::vector<std::string>());
+    EXPECT_FALSE(d.contains("Geometry"));
+    EXPECT_EQ(d.getString("Geometry", "100 100 1200 800"), "100 100 1200 800");
+    EXPECT_TRUE(d.getBool("Hover", true));
+    EXPECT_EQ(d.getInt("Tab", 2), 2);
+    EXPECT_EQ(d.getFloat("Version", 0.5f), 0.5f);
+    EXPECT_EQ(d.getStringArray("Sections", { "0 Masks", "1 Borders" }), (std::vector<std::string> { "0 Masks", "1 Borders" }));
+    EXPECT_TRUE(d.getStringArray("Starred", {}).empty());
 
     // Once created, the stored value wins over a later caller's default.
-    EXPECT_EQ(d.getString(PrefKeys::kWindowGeometry, "0 0 1 1"), "100 100 1200 800");
-    EXPECT_TRUE(d.getBool(PrefKeys::kUseHoverPreviews, false));
-    EXPECT_EQ(d.getInt(PrefKeys::kCurrentTab, 5), 2);
-    EXPECT_EQ(d.getStringArray(PrefKeys::kCollapsedToolSections, { "x" }).size(), 6u);
-
-    const std::vector<std::string> order = { "WindowGeometry", "UseHoverPreviews", "CurrentTab", "DefaultFiltersVersion",
-        "CollapsedToolSections", "StarredFilterList" };
-    EXPECT_EQ(d.keys(), order);
-    EXPECT_EQ(d.typeOf("UseHoverPreviews"), "bool");
-    EXPECT_EQ(d.typeOf("CurrentTab"), "int");
-    EXPECT_EQ(d.typeOf("DefaultFiltersVersion"), "float");
-    EXPECT_EQ(d.typeOf("StarredFilterList"), "string array");
-    EXPECT_EQ(d.toText(),
-        "<VantrelPrefs>\n"
-        "  <WindowGeometry type=\"string\">100 100 1200 800</WindowGeometry>\n"
-        "  <UseHoverPreviews type=\"bool\">1</UseHoverPreviews>\n"
-        "  <CurrentTab type=\"int\">2</CurrentTab>\n"
-        "  <DefaultFiltersVersion type=\"float\">0.000000</DefaultFiltersVersion>\n"
-        "  <CollapsedToolSections type=\"string array\">\n"
-        "    <Item>0 Advanced Light</Item>\n"
-        "    <Item>0 Advanced Color</Item>\n"
-        "    <Item>0 Photographic</Item>\n"
-        "    <Item>0 Masks</Item>\n"
-        "    <Item>0 Borders</Item>\n"
-        "    <Item>0 Utility</Item>\n"
-        "  </CollapsedToolSections>\n"
-        "  <StarredFilterList type=\"string array\"></StarredFilterList>\n"
-        "</VantrelPrefs>\n");
+    EXPECT_EQ(d.getString("Geometry", "0 0 1 1"), "100 100 1200 800");
+    EXPECT_TRUE(d.getBool("Hover", false));
+    EXPECT_EQ(d.getInt("Tab", 5), 2);
+    EXPECT_EQ(d.getFloat("Version", 9.0f), 0.5f);
+    EXPECT_EQ(d.getStringArray("Sections", { "x" }).size(), 2u);
+    EXPECT_EQ(d.keys(), (std::vector<std::string> { "Geometry", "Hover", "Tab", "Version", "Sections", "Starred" }));
+    std::string types;
+    for (const std::string& k : d.keys())
+        types += d.typeOf(k) + ",";
+    EXPECT_EQ(types, "string,bool,int,float,string array,string array,");
 }
 
 TEST(MultiData, SettersReplaceValueAndTypeInPlace)
@@ -209,6 +179,7 @@ TEST(MultiData, FileRoundTripKeepsEveryType)
     out.setString("Spaced", "  lead and trail  \n");
     out.setFloat("Tiny", 0.0000004f);
     out.setInt("Min", -2147483647 - 1);
+    out.setStringArray("NoItems", {});
     ASSERT_TRUE(out.writeFile(path)); // makes the missing folders
     const std::string bytes = slurp(path);
     EXPECT_EQ(bytes, out.toText());
@@ -218,16 +189,12 @@ TEST(MultiData, FileRoundTripKeepsEveryType)
     ASSERT_TRUE(in.readFile(path));
     EXPECT_FALSE(in.contains("Stale"));
     EXPECT_EQ(in.keys(), out.keys());
+    expectEntriesOf(in, out, "read back");
     EXPECT_EQ(in.getFloat(PrefKeys::kDefaultFiltersVersion, 0.0f), 4.2f); // exact: the start-up check compares
-    EXPECT_EQ(in.getString(PrefKeys::kWindowGeometry, ""), "10 20 1300 900");
-    EXPECT_TRUE(in.getBool(PrefKeys::kIsFullscreen, false));
-    EXPECT_EQ(in.getInt(PrefKeys::kCurrentTab, 0), -3);
-    EXPECT_EQ(in.getStringArray(PrefKeys::kStarredFilterList, {}),
-        (std::vector<std::string> { "Film/Warm Fade.vnf", "B&W/Deep Silver.vnf" }));
-    EXPECT_EQ(in.getString("Empty", "x"), "");
     EXPECT_EQ(in.getString("Spaced", ""), "  lead and trail  \n");
     EXPECT_EQ(in.getFloat("Tiny", 1.0f), 0.0f); // "%f" keeps six decimals
     EXPECT_EQ(in.getInt("Min", 0), -2147483647 - 1);
+    EXPECT_TRUE(in.getStringArray("NoItems", { "x" }).empty());
     EXPECT_EQ(in.toText(), bytes);
 }
 
@@ -247,14 +214,7 @@ TEST(MultiData, CutFilesKeepEveryWholeEntry)
         spit(path, bytes.substr(0, cut));
         MultiData d;
         ASSERT_TRUE(d.readFile(path));
-        for (const std::string& k : d.keys()) {
-            ASSERT_TRUE(full.contains(k)) << cut;
-            EXPECT_EQ(d.typeOf(k), full.typeOf(k)) << "cut " << cut << " key " << k;
-            if (full.typeOf(k) == "string array")
-                EXPECT_EQ(d.getStringArray(k, {}), full.getStringArray(k, {})) << "cut " << cut;
-            else
-                EXPECT_EQ(d.getString(k, "?"), full.getString(k, "?")) << "cut " << cut << " key " << k;
-        }
+        expectEntriesOf(d, full, "cut " + std::to_string(cut));
         for (const std::string& k : keys) {
             const size_t close = bytes.find("</" + k + ">");
             if (close + k.size() + 3 <= cut) {
@@ -283,9 +243,9 @@ TEST(MultiData, ForeignAndBrokenFilesGiveAnEmptyOrPartialStore)
     std::string junk;
     for (int i = 0; i < 4096; ++i)
         junk.push_back(char((i * 7919 + 13) & 0xff));
-    for (const std::string& content : { std::string(), junk, std::string("<other><A type=\"int\">1</A></other>"),
-             std::string("<?xml version=\"1.0\"?>\n<!-- hand edited -->\n<VantrelPrefs><A type=\"int\">5</A>"
-                         "<B type=\"string\">x<nested>y</nested></B><C type=\"int\">6</C></VantrelPrefs>"),
+    const std::string nested = "<?xml version=\"1.0\"?>\n<!-- hand edited -->\n<VantrelPrefs><A type=\"int\">5</A>"
+                               "<B type=\"string\">x<nested>y</nested></B><C type=\"int\">6</C></VantrelPrefs>";
+    for (const std::string& content : { std::string(), junk, std::string("<other><A type=\"int\">1</A></other>"), nested,
              std::string("<VantrelPrefs><A type=\"int\">5</A><B type=\"string array\"><Item>p</Item><Item>q") }) {
         spit(path, content);
         EXPECT_TRUE(d.readFile(path));
@@ -295,8 +255,7 @@ TEST(MultiData, ForeignAndBrokenFilesGiveAnEmptyOrPartialStore)
     // The last two: the entry with a stray element inside and the cut array are dropped.
     EXPECT_EQ(d.keys(), std::vector<std::string> { "A" });
     EXPECT_EQ(d.getInt("A", 0), 5);
-    spit(path, "<?xml version=\"1.0\"?>\n<!-- hand edited -->\n<VantrelPrefs><A type=\"int\">5</A>"
-               "<B type=\"string\">x<nested>y</nested></B><C type=\"int\">6</C></VantrelPrefs>");
+    spit(path, nested);
     d.readFile(path);
     EXPECT_EQ(d.getInt("C", 0), 6);
     EXPECT_FALSE(d.contains("B"));
@@ -351,8 +310,7 @@ TEST(MultiData, DataFolderFollowsTheDesktopDataLocation)
 {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    const QByteArray old = qgetenv("XDG_DATA_HOME");
-    qputenv("XDG_DATA_HOME", QFile::encodeName(dir.path()));
+    const ScopedEnv env("XDG_DATA_HOME", QFile::encodeName(dir.path()));
     EXPECT_EQ(dataFolder(), dir.path().toStdString() + "/com.vantrel.photo/");
     EXPECT_EQ(preferencesPath(), dir.path().toStdString() + "/com.vantrel.photo/VantrelPrefs.xml");
     MultiData& g = MultiData::global();
@@ -364,8 +322,4 @@ TEST(MultiData, DataFolderFollowsTheDesktopDataLocation)
     EXPECT_TRUE(back.readFile(preferencesPath()));
     EXPECT_EQ(back.typeOf(PrefKeys::kAutohideControls), "bool");
     g.clear();
-    if (old.isNull())
-        qunsetenv("XDG_DATA_HOME");
-    else
-        qputenv("XDG_DATA_HOME", old);
 }

@@ -1,58 +1,14 @@
 #include "filters/PresetLibrary.h"
 
+#include "FilterTestFiles.h"
 #include "FilterTestMods.h"
 #include "filters/FileFilter.h"
 #include "filters/MultiData.h"
 #include "filters/PreferenceKeys.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
-
-std::string u32(uint32_t v)
-{
-    std::string s;
-    for (int i = 0; i < 4; ++i)
-        s.push_back(char((v >> (8 * i)) & 0xff));
-    return s;
-}
-
-std::string record(const std::string& name, const std::string& payload)
-{
-    return "FILE" + u32(uint32_t(name.size())) + name + u32(uint32_t(payload.size())) + payload;
-}
-
-std::string slurp(const QString& path)
-{
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly))
-        return "<absent>";
-    return f.readAll().toStdString();
-}
-
-void spit(const QString& path, const std::string& bytes)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes.data(), qint64(bytes.size()));
-}
-
-QStringList tree(const QString& root)
-{
-    QStringList out;
-    QDirIterator it(root, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        it.next();
-        out << QDir(root).relativeFilePath(it.filePath()) + (it.fileInfo().isDir() ? "/" : "");
-    }
-    out.sort();
-    return out;
-}
 
 const char* const kPaperPreset = "<filter version=\"4\">\n  <mod name=\"Paper\" version=\"1\" enabled=\"1\"></mod>\n</filter>\n";
 
@@ -63,10 +19,10 @@ protected:
         ASSERT_TRUE(dir.isValid());
         data = dir.filePath("data/com.vantrel.photo/");
         // An archive of archives, one inner archive per group, as the default set is packed.
-        const std::string color = record("Warm Fade.vnf", kPaperPreset) + record("Cool Fade.vnf", kPaperPreset);
-        const std::string bw = record("Silver.vnf", kPaperPreset);
+        const Pack color = Pack().file("Warm Fade.vnf", kPaperPreset).file("Cool Fade.vnf", kPaperPreset);
+        const Pack bw = Pack().file("Silver.vnf", kPaperPreset);
         bundle = dir.filePath("bundle.mvr");
-        spit(bundle, record("Color Essentials.mvr", color) + record("Black and White.mvr", bw));
+        spit(bundle, Pack().file("Color Essentials.mvr", color.bytes).file("Black and White.mvr", bw.bytes).bytes);
     }
     QString presets() const { return data + "Presets/"; }
 
