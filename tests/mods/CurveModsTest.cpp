@@ -5,6 +5,7 @@
 #include "mods/ImageModLuminanceCurve.h"
 #include "mods/ImageModRGBCombinedCurve.h"
 #include "mods/ImageModRGBCurves.h"
+#include "tests/core/TestSelectors.h"
 #include "tests/mods/CurveTestHelpers.h"
 
 #include "core/ColorMath.h"
@@ -213,18 +214,7 @@ TEST(CurveMods, ComponentCurveTouchesChosenChannelsOnly)
 TEST(CurveMods, ComponentCurveMaskPassPerChannel)
 {
     // A mask reading red: the green pass sees red already changed, as a pass per channel does.
-    class RedMask : public ImageModSelector {
-    public:
-        std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<RedMask>(); }
-        float maskValue(const FlexImageFloat* img, int32_t x, int32_t y, const ReferenceFrame*) const override
-        {
-            return img->row(y)[x * img->channels] / 255.0f;
-        }
-        float maskValue(const FlexImage8* img, int32_t x, int32_t y, const ReferenceFrame*) const override
-        {
-            return float(img->row(y)[x * img->channels]) / 255.0f;
-        }
-    } mask;
+    TestSelectorRed mask;
     ImageModComponentCurve mod;
     setCurve(mod, 1, "0 1 1 1");
     auto f = curveTestImage<FlexImageFloat>({{51.0f, 0.0f, 0.0f}});

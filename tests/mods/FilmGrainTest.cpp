@@ -118,7 +118,7 @@ template <typename Sample> void checkMaskZeroAndDeterminism()
     FlexImageT<Sample> src;
     paintScene(src, 160, 120);
     ReferenceFrame frame = wholeFrame(160, 120, 1.0f);
-    SpatialTestHalfMask mask;
+    TestSelectorLeftHalf mask;
     for (auto& mod : everyEffect()) {
         ImageModApplyContext ctx;
         ctx.referenceFrame = &frame;

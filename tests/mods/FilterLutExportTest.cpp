@@ -90,7 +90,7 @@ TEST(FilterLutExport, ExportedTableMatchesTheSequence)
 {
     LutTempDir dir;
     LutTestSmoothMod smooth;
-    LutTestLeftHalfMask mask; // disabled: the tile after it runs unmasked
+    TestSelectorLeftHalf mask; // disabled: the tile after it runs unmasked
     mask.enabled = false;
     LutTestSmoothMod second;
     second.variables[0]->setFloatValue(0.5f);
@@ -120,7 +120,7 @@ TEST(FilterLutExport, ExportedTableMatchesTheSequence)
 TEST(FilterLutExport, MasksActAndShapeChangingTilesAreLeftOut)
 {
     LutTempDir dir;
-    LutTestLeftHalfMask mask;
+    TestSelectorLeftHalf mask;
     LutTestSmoothMod smooth;
     LutTestShrinkMod size; // group 2: skipped
     const std::string path = dir.file("masked.cube");

@@ -285,7 +285,7 @@ TEST(ImageModAutoEnhance, AmountMethodAndMask)
 
     // A mask that is 0 on the right half leaves those pixels exactly as they were.
     ImageModAutoEnhance masked;
-    LutTestLeftHalfMask mask;
+    TestSelectorLeftHalf mask;
     ImageModApplyContext context;
     context.selector = &mask;
     img.copyFrom(photo, true);

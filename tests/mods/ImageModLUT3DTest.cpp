@@ -243,7 +243,7 @@ TEST(ImageModLUT3D, AmountMaskAndEightBitClamp)
     EXPECT_EQ(img.data[0], 40.0f);
 
     auto full = modWith(invert);
-    LutTestLeftHalfMask mask;
+    TestSelectorLeftHalf mask;
     ImageModApplyContext context;
     context.selector = &mask;
     fillImage3(img, 40.0f, 100.0f, 250.0f);

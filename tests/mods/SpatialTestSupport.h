@@ -1,4 +1,5 @@
 #pragma once
+#include "tests/core/TestSelectors.h"
 #include "core/FlexImage.h"
 #include "core/ImageMod.h"
 #include "core/ImageModApplyContext.h"
@@ -14,25 +15,6 @@ namespace spatialtest
 {
 
 // Shared fixtures of the spatial and film tests.
-
-// Mask 1 on the left half, 0 on the right, from the position alone.
-class SpatialTestHalfMask : public ImageModSelector
-{
-public:
-    SpatialTestHalfMask()
-        : ImageModSelector("Spatial Test Half")
-    {
-    }
-    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<SpatialTestHalfMask>(); }
-    float maskValue(const FlexImageFloat* img, int32_t x, int32_t, const ReferenceFrame*) const override
-    {
-        return x < img->width / 2 ? 1.0f : 0.0f;
-    }
-    float maskValue(const FlexImage8* img, int32_t x, int32_t, const ReferenceFrame*) const override
-    {
-        return x < img->width / 2 ? 1.0f : 0.0f;
-    }
-};
 
 // A photo-like test picture at any size, the same scene at every size: soft gradients, a few
 // hard-edged shapes and some texture, all placed in frame-relative coordinates.

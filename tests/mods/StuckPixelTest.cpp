@@ -1,6 +1,7 @@
 #include "mods/ImageModStuckPixel.h"
 
 #include "core/ImageModSelector.h"
+#include "tests/core/TestSelectors.h"
 #include "core/ImageModVariableDataPixel.h"
 
 #include <gtest/gtest.h>
@@ -57,15 +58,6 @@ int countChanged(const Image& a, const Image& b)
         n += a.data[i] != b.data[i];
     return n;
 }
-
-class ConstMask : public ImageModSelector {
-public:
-    explicit ConstMask(float v) : ImageModSelector("Const"), value(v) {}
-    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<ConstMask>(value); }
-    float maskValue(const FlexImageFloat*, int32_t, int32_t, const ReferenceFrame*) const override { return value; }
-    float maskValue(const FlexImage8*, int32_t, int32_t, const ReferenceFrame*) const override { return value; }
-    float value;
-};
 
 } // namespace
 
@@ -167,7 +159,7 @@ TEST(StuckPixel, NoSpotNoChangeAndAMaskDims)
     EXPECT_EQ(countChanged(img, before), 0);
 
     setSpot(mod, 4.0f, 4.0f);
-    ConstMask half(0.5f);
+    TestSelectorConst half(0.5f);
     ImageModApplyContext ctx;
     ctx.selector = &half;
     mod.apply(&img, &ctx);
