@@ -16,6 +16,14 @@ std::string peakAtZero(const char* y)
     return std::string("0 ") + y + " .2 " + y + " .3 .5 .7 .5 .8 " + y + " 1 " + y;
 }
 
+// Version and a curve peaking at hue 0 with reading y, no offset.
+void setPeak(ImageMod& mod, int32_t version, const char* y)
+{
+    mod.setVersion(version);
+    setCurve(mod, 1, peakAtZero(y));
+    setHueOffset(mod, 1, 0.0f);
+}
+
 template <typename Mod, typename Image>
 void expectFlatAndZeroAmountUntouched()
 {
@@ -140,9 +148,7 @@ TEST(HueRegionMods, HueShiftVersionsDiffer)
     const float expectedHue[3] = {0.0f, 90.0f, 45.0f};
     for (int32_t version : {1, 2}) {
         ImageModHueShift mod;
-        mod.setVersion(version);
-        setCurve(mod, 1, peakAtZero(".75"));
-        setHueOffset(mod, 1, 0.0f);
+        setPeak(mod, version, ".75");
         auto f = curveTestImage<FlexImageFloat>({{255.0f, 0.0f, 0.0f}});
         mod.apply(f.get(), nullptr);
         float h, s, v;
@@ -159,9 +165,7 @@ TEST(HueRegionMods, SaturationCurveVersions)
     const float px[3] = {200.0f, 100.0f, 100.0f};
     auto run = [&](int32_t version) {
         ImageModSaturationCurve mod;
-        mod.setVersion(version);
-        setCurve(mod, 1, peakAtZero(".75"));
-        setHueOffset(mod, 1, 0.0f);
+        setPeak(mod, version, ".75");
         auto f = curveTestImage<FlexImageFloat>({{px[0], px[1], px[2]}});
         mod.apply(f.get(), nullptr);
         return f;
@@ -185,9 +189,7 @@ TEST(HueRegionMods, SaturationCurveVersions)
     EXPECT_FALSE(curveTestSame(*v1, *v2));
     // A reading below 0.5 desaturates: 0.25 * 1.99999 - 1 = -0.5 -> factor 0.5 at full strength.
     ImageModSaturationCurve low;
-    setCurve(low, 1, peakAtZero(".25"));
-    setHueOffset(low, 1, 0.0f);
-    low.setVersion(2);
+    setPeak(low, 2, ".25");
     auto b = curveTestImage<FlexImage8>({{200.0f, 100.0f, 100.0f}});
     low.apply(b.get(), nullptr);
     const double f = 0.25 * 1.99999;
@@ -198,9 +200,7 @@ TEST(HueRegionMods, SaturationCurveVersions)
 TEST(HueRegionMods, HueBrightnessOldestVersionAddsWeightedWhite)
 {
     ImageModHueBrightness mod;
-    mod.setVersion(1);
-    setCurve(mod, 1, peakAtZero(".75"));
-    setHueOffset(mod, 1, 0.0f);
+    setPeak(mod, 1, ".75");
     // V = 200 / 255, S = 0.5: b = (1 - |2V - 1|) * 0.5, weight b * 0.5, each channel + 255 weight.
     const double v = 200.0 / 255.0;
     const double add = 255.0 * (1.0 - std::fabs(2.0 * v - 1.0)) * 0.5 * 0.5;
@@ -251,9 +251,7 @@ template <size_t N>
 void expectLightnessCases(const char* peak, const LightnessCase (&cases)[N])
 {
     ImageModHueBrightness mod;
-    mod.setVersion(2);
-    setCurve(mod, 1, peakAtZero(peak));
-    setHueOffset(mod, 1, 0.0f);
+    setPeak(mod, 2, peak);
     std::vector<std::vector<float>> px;
     for (const LightnessCase& c : cases)
         px.push_back({c.r, c.g, c.b});
@@ -309,9 +307,7 @@ TEST(HueRegionMods, HueBrightnessLightnessGreysStay)
 TEST(HueRegionMods, HueBrightnessLightnessFollowsMask)
 {
     ImageModHueBrightness mod;
-    mod.setVersion(2);
-    setCurve(mod, 1, peakAtZero(".75"));
-    setHueOffset(mod, 1, 0.0f);
+    setPeak(mod, 2, ".75");
     // Stripes: mask 1 on even columns, 0 on odd ones. Masked-out pixels keep their exact values.
     CurveTestStripeMask stripes;
     auto ctx = maskContext(&stripes);
@@ -349,8 +345,7 @@ TEST(HueRegionMods, HueBrightnessLightnessFollowsMask)
 TEST(HueRegionMods, HueExposureVersionAndEightBitSteps)
 {
     ImageModHueBrightness mod;   // version 3
-    setCurve(mod, 1, peakAtZero(".75"));
-    setHueOffset(mod, 1, 0.0f);
+    setPeak(mod, 3, ".75");
     auto f = curveTestImage<FlexImageFloat>({{200.0f, 100.0f, 100.0f}, {90.0f, 90.0f, 90.0f}});
     mod.apply(f.get(), nullptr);
     // W = 0.25, S = 0.5, V = 200 / 255: e above 1, brightening with exponent 1 / (2 - e).
@@ -370,8 +365,7 @@ TEST(HueRegionMods, HueExposureVersionAndEightBitSteps)
     EXPECT_EQ(b->data[2], 0);
     EXPECT_EQ(b->data[3], 90);
     ImageModHueBrightness dark;
-    setCurve(dark, 1, peakAtZero(".25"));
-    setHueOffset(dark, 1, 0.0f);
+    setPeak(dark, 3, ".25");
     auto d = curveTestImage<FlexImage8>({{200.0f, 100.0f, 100.0f}});
     dark.apply(d.get(), nullptr);
     EXPECT_EQ(d->data[0], 0);
@@ -391,9 +385,7 @@ TEST(HueRegionMods, HueExposureVersionAndEightBitSteps)
 TEST(HueRegionMods, MaskScalesStrength)
 {
     ImageModHueShift mod;
-    mod.setVersion(1);
-    setCurve(mod, 1, peakAtZero("1"));
-    setHueOffset(mod, 1, 0.0f);
+    setPeak(mod, 1, "1");
     CurveTestMask half(0.5f);
     auto ctx = maskContext(&half);
     auto f = curveTestImage<FlexImageFloat>({{255.0f, 0.0f, 0.0f}});
