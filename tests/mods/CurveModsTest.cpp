@@ -39,29 +39,6 @@ void expectNeutralBothDepths()
 
 } // namespace
 
-TEST(CurveMods, NamesLabelsAndVariables)
-{
-    ImageModLuminanceCurve lum;
-    EXPECT_EQ(lum.name, "Curves");
-    EXPECT_EQ(lum.displayName, "Luminance Curve");
-    ImageModRGBCombinedCurve comb;
-    EXPECT_EQ(comb.name, "RGB Curve");
-    ImageModRGBCurves rgb;
-    EXPECT_EQ(rgb.name, "RGB Curves");
-    EXPECT_EQ(rgb.displayName, "R,G,B Curves");
-    ASSERT_EQ(rgb.variableCount(), 5);
-    EXPECT_EQ(rgb.variableAt(3)->name, "RGB");
-    EXPECT_FALSE(rgb.variableAt(4)->visible);
-    ImageModComponentCurve comp;
-    EXPECT_EQ(comp.choiceIndex(2), ImageModComponentCurve::redGreen);
-    EXPECT_EQ(comp.variableAt(2)->asChoice()->indexOfLabel("GB"), 4);
-    ImageModLabCurves lab;
-    EXPECT_EQ(lab.displayName, "L,a,b Curves");
-    EXPECT_EQ(lab.variableAt(1)->name, "a");
-    for (const ImageMod* m : std::initializer_list<const ImageMod*>{&lum, &comb, &rgb, &comp, &lab})
-        EXPECT_FALSE(m->toolTip.empty()) << m->name;
-}
-
 TEST(CurveMods, ExposureCurveVersionSetsLabelAndTip)
 {
     ImageModExposureCurve mod;
