@@ -26,8 +26,6 @@ void setAspect(ImageModBorderFillout& b, const std::string& label, float custom 
 TEST(BorderFillout, IdentityAndAspectList)
 {
     ImageModBorderFillout b;
-    EXPECT_EQ(b.name, "Fill Out");
-    EXPECT_EQ(b.displayName, "Fill Border");
     EXPECT_EQ(b.kind(), 1);
     EXPECT_EQ(b.group(), 2);
     EXPECT_TRUE(modHasTag(b, kTagBorder));

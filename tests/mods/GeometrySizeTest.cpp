@@ -200,11 +200,6 @@ TEST(SizeTiles, CropToolFlagsGroupAndTag)
         EXPECT_FALSE(m->isPlainAdjustment());
     }
     EXPECT_FALSE(aspect.passIsPure(0));
-    EXPECT_EQ(aspect.name, "Aspect Ratio");
-    EXPECT_EQ(constrain.name, "Output Size");
-    EXPECT_EQ(constrain.displayName, "Maximum Size");
-    EXPECT_EQ(exact.name, "Output Size Exact");
-    EXPECT_EQ(exact.displayName, "Exact Size");
 }
 
 TEST(Crop, RectangleWidensToTheAspectAroundTheUsersCut)
