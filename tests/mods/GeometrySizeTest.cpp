@@ -46,39 +46,28 @@ GeometryResult geometryOf(int32_t w, int32_t h, ImageMod& mod, int32_t maxW = 0,
 
 } // namespace
 
-TEST(ConstrainSize, LongestSideFollowsOrientation)
+TEST(ConstrainSize, LimitsAndLongestSide)
 {
-    ImageModConstrainSize size;
-    setFloat(size, "Longest Side", 1000.0f);
-    GeometryResult g = geometryOf(3000, 2000, size);
-    EXPECT_EQ(wh(g), wh(1000, 667));
-    EXPECT_TRUE(g.changed);
-    g = geometryOf(2000, 3000, size);
-    EXPECT_EQ(wh(g), wh(667, 1000));
-}
-
-TEST(ConstrainSize, LimitsAlsoEnlargeAndNoLimitKeepsTheSize)
-{
-    ImageModConstrainSize size;
-    GeometryResult g = geometryOf(3000, 2000, size);
-    EXPECT_EQ(wh(g), wh(3000, 2000));
-    EXPECT_FALSE(g.changed);
-
-    setFloat(size, "Max Width", 4000.0f);
-    setFloat(size, "Max Height", 4000.0f);
-    g = geometryOf(3000, 2000, size);
-    EXPECT_EQ(wh(g), wh(4000, 2667));
-
-    // Only a width limit: the height of the picture still binds.
-    setFloat(size, "Max Height", 0.0f);
-    g = geometryOf(3000, 2000, size);
-    EXPECT_EQ(wh(g), wh(3000, 2000));
-
-    // A tiny limit never gives a side below 1.
-    setFloat(size, "Max Width", 3.0f);
-    setFloat(size, "Max Height", 3.0f);
-    g = geometryOf(3000, 10, size);
-    EXPECT_EQ(wh(g), wh(3, 1));
+    // No limit keeps the size and reports no change; limits also enlarge; with only a width limit
+    // the height of the picture still binds; a tiny limit never gives a side below 1; the longest
+    // side follows the orientation.
+    const struct {
+        float maxW, maxH, longest;
+        int32_t w, h, outW, outH;
+    } cases[] = {
+        { 0, 0, 0, 3000, 2000, 3000, 2000 },          { 4000, 4000, 0, 3000, 2000, 4000, 2667 },
+        { 4000, 0, 0, 3000, 2000, 3000, 2000 },       { 3, 3, 0, 3000, 10, 3, 1 },
+        { 0, 0, 1000, 3000, 2000, 1000, 667 },        { 0, 0, 1000, 2000, 3000, 667, 1000 },
+    };
+    for (const auto& c : cases) {
+        ImageModConstrainSize size;
+        setFloat(size, "Max Width", c.maxW);
+        setFloat(size, "Max Height", c.maxH);
+        setFloat(size, "Longest Side", c.longest);
+        const GeometryResult g = geometryOf(c.w, c.h, size);
+        EXPECT_EQ(wh(g), wh(c.outW, c.outH)) << c.maxW << " " << c.maxH << " " << c.longest << " on " << c.w;
+        EXPECT_EQ(g.changed, wh(g) != wh(c.w, c.h));
+    }
 }
 
 TEST(ConstrainSize, LongestSideAndMaximaExcludeEachOther)
