@@ -187,12 +187,7 @@ TEST(BorderPlain, RoundedCornersAreAntialiasedByArea)
 
 TEST(BorderPlain, CoverageOfSinglePixels)
 {
-    BorderPlacement p;
-    p.x = 0.0;
-    p.y = 0.0;
-    p.width = 100.0;
-    p.height = 100.0;
-    p.radius = 10.0;
+    BorderPlacement p { 0.0, 0.0, 100.0, 100.0, 10.0 };
     EXPECT_EQ(roundedCoverage(p, 50, 50), 1.0);
     EXPECT_EQ(roundedCoverage(p, 10, 0), 1.0);
     EXPECT_EQ(roundedCoverage(p, 0, 0), 0.0);
