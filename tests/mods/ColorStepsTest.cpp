@@ -131,20 +131,14 @@ TEST(ColorSteps, ComplementAndMethodSigns)
     // Colorize: a negative weight pushes the other way.
     float px[3] = {100.0f, 100.0f, 100.0f};
     colorMethodPixel<kColorMethodColorize>(px, 3, -0.5f, pos, neg, true);
-    EXPECT_EQ(px[0], 50.0f);
-    EXPECT_EQ(px[1], 100.0f);
-    EXPECT_EQ(px[2], 150.0f);
+    EXPECT_PIXEL_NEAR(px, 50.0f, 100.0f, 150.0f, 0);
     // Tint below 0: c * (1 + w) - complement * w.
     float t[3] = {100.0f, 100.0f, 100.0f};
     colorMethodPixel<kColorMethodTint>(t, 3, -0.5f, pos, neg, true);
-    EXPECT_EQ(t[0], 77.5f);
-    EXPECT_EQ(t[1], 127.5f);
-    EXPECT_EQ(t[2], 177.5f);
+    EXPECT_PIXEL_NEAR(t, 77.5f, 127.5f, 177.5f, 0);
     // Balance keeps the colour itself and the sign.
     const ColorStepColor bal = makeStepColor(40.0f, 0.0f, 20.0f);
     float b[3] = {100.0f, 100.0f, 100.0f};
     colorMethodPixel<kColorMethodBalance>(b, 3, -0.5f, bal, makeStepComplement(40.0f, 0.0f, 20.0f), true);
-    EXPECT_EQ(b[0], 80.0f);
-    EXPECT_EQ(b[1], 100.0f);
-    EXPECT_EQ(b[2], 90.0f);
+    EXPECT_PIXEL_NEAR(b, 80.0f, 100.0f, 90.0f, 0);
 }

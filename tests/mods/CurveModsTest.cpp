@@ -124,9 +124,7 @@ TEST(CurveMods, CombinedCurveFloatAndEightBitEnds)
     EXPECT_NEAR(f->data[2], 153.0f, 1e-4);
     auto b = curveTestImage<FlexImage8>({{128.0f, 254.0f, 255.0f}});
     mod.apply(b.get(), &ctx);
-    EXPECT_EQ(b->data[0], 51);
-    EXPECT_EQ(b->data[1], 51);
-    EXPECT_EQ(b->data[2], 153);
+    EXPECT_PIXEL_NEAR(b->data, 51, 51, 153, 0);
 }
 
 TEST(CurveMods, RgbCurvesOwnCurveThenSharedCurve)
@@ -137,15 +135,11 @@ TEST(CurveMods, RgbCurvesOwnCurveThenSharedCurve)
     auto f = curveTestImage<FlexImageFloat>({{127.5f, 127.5f, 127.5f}});
     mod.apply(f.get(), nullptr);
     // Red: 127.5 -> 0.4 * 255 = 102 -> 0.2 * 255 = 51 (the other order would give 76.5).
-    EXPECT_NEAR(f->data[0], 51.0f, 1e-3);
-    EXPECT_NEAR(f->data[1], 63.75f, 1e-3);
-    EXPECT_NEAR(f->data[2], 63.75f, 1e-3);
+    EXPECT_PIXEL_NEAR(f->data, 51.0f, 63.75f, 63.75f, 1e-3);
     auto b = curveTestImage<FlexImage8>({{128.0f, 128.0f, 255.0f}});
     mod.apply(b.get(), nullptr);
     // 8-bit: red 128 -> entry 0 (0.2) -> 51 -> entry 0 of the shared curve (0) -> 0.
-    EXPECT_EQ(b->data[0], 0);
-    EXPECT_EQ(b->data[1], 0);
-    EXPECT_EQ(b->data[2], 127);
+    EXPECT_PIXEL_NEAR(b->data, 0, 0, 127, 0);
 }
 
 template <typename Image>
@@ -279,9 +273,7 @@ TEST(CurveMods, ExposureCurveGammaForms)
     EXPECT_EQ(f->data[2], 0.0f);
     auto b = curveTestImage<FlexImage8>({{128.0f, 255.0f, 0.0f}});
     dark.apply(b.get(), nullptr);
-    EXPECT_EQ(b->data[0], 64);   // 128^2 / 255 = 64.25
-    EXPECT_EQ(b->data[1], 254);
-    EXPECT_EQ(b->data[2], 0);
+    EXPECT_PIXEL_NEAR(b->data, 64, 254, 0, 0);   // 128^2 / 255 = 64.25
 
     // Table 0.75: e = 1.5, brightening with exponent 2; black floored at 0.05 first.
     ImageModExposureCurve bright;

@@ -102,3 +102,11 @@ inline ImageModApplyContext maskContext(ImageModSelector* selector)
     c.selector = selector;
     return c;
 }
+
+// The first three samples at px, each within tol (0: exactly).
+#define EXPECT_PIXEL_NEAR(px, r, g, b, tol)                                                                            \
+    do {                                                                                                               \
+        EXPECT_NEAR((px)[0], (r), (tol));                                                                              \
+        EXPECT_NEAR((px)[1], (g), (tol));                                                                              \
+        EXPECT_NEAR((px)[2], (b), (tol));                                                                              \
+    } while (0)

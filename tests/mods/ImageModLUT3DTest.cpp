@@ -3,6 +3,7 @@
 #include "core/ImageModVariableDataFile.h"
 #include "core/ModExtraFactories.h"
 #include "mods/ImageModLUT3D.h"
+#include "tests/mods/CurveTestHelpers.h"
 
 #include <gtest/gtest.h>
 
@@ -141,9 +142,7 @@ TEST(ImageModLUT3D, SizeTwoCellAndTheTopEdge)
     mod->apply(&img, nullptr);
     EXPECT_NEAR(img.data[0], 127.5f, 1e-4); // centre: mean of all eight corners
     EXPECT_NEAR(img.data[2], 127.5f, 1e-4);
-    EXPECT_EQ(img.data[3], 255.0f); // 255 reads the last lattice point with fraction 1
-    EXPECT_EQ(img.data[4], 255.0f);
-    EXPECT_EQ(img.data[5], 0.0f);
+    EXPECT_PIXEL_NEAR(img.data + 3, 255.0f, 255.0f, 0.0f, 0); // 255 reads the last lattice point with fraction 1
     EXPECT_NEAR(img.data[6], (1.0f + 4.0f * 0.25f) / 7.0f * 255.0f, 1e-4);
     EXPECT_NEAR(img.data[8], 0.75f * 255.0f, 1e-4);
 }
@@ -182,9 +181,7 @@ TEST(ImageModLUT3D, OneDimensionalTableActsPerChannel)
     std::copy(in8, in8 + 8, img.data);
     mod->apply(&img, nullptr);
     mod->apply(&img8, nullptr);
-    EXPECT_EQ(img.data[0], 255.0f);
-    EXPECT_EQ(img.data[1], 255.0f);
-    EXPECT_EQ(img.data[2], 0.0f);
+    EXPECT_PIXEL_NEAR(img.data, 255.0f, 255.0f, 0.0f, 0);
     EXPECT_EQ(img.data[3], 9.0f); // alpha untouched
     // 51 is 0.8 of the first step: 0.8 * 0.0625 * 255.
     EXPECT_NEAR(img.data[4], 0.05f * 255.0f, 1e-4);
@@ -232,9 +229,7 @@ TEST(ImageModLUT3D, AmountMaskAndEightBitClamp)
     const uint8_t in8[6] = {40, 100, 255, 0, 0, 0};
     std::copy(in8, in8 + 6, img8.data);
     full->apply(&img8, nullptr);
-    EXPECT_EQ(img8.data[0], 215);
-    EXPECT_EQ(img8.data[1], 155);
-    EXPECT_EQ(img8.data[2], 255);
+    EXPECT_PIXEL_NEAR(img8.data, 215, 155, 255, 0);
     EXPECT_EQ(img8.data[5], 0);
     FlexImage8 masked8(4, 1, 3);
     std::fill(masked8.data, masked8.data + 12, uint8_t(40));
