@@ -16,11 +16,22 @@
 
 namespace {
 
-void setRgb(FlexImageFloat& img, float r, float g, float b)
+// A one-pixel picture of the given colour.
+std::unique_ptr<FlexImageFloat> pixel(float r, float g, float b)
 {
-    img.data[0] = r;
-    img.data[1] = g;
-    img.data[2] = b;
+    auto img = std::make_unique<FlexImageFloat>(1, 1, 3);
+    img->data[0] = r;
+    img->data[1] = g;
+    img->data[2] = b;
+    return img;
+}
+
+// Sharpness 0 (a linear falloff) and the given radius, reported.
+void setSpot(ImageModSpotSelector& spot, float radius)
+{
+    spot.variables[1]->data->value = 0.0f;
+    spot.variables[2]->data->value = radius;
+    spot.variableChanged(2);
 }
 
 } // namespace
@@ -90,75 +101,52 @@ TEST(ImageModSelectorWalk, ContextSelectorForLists)
     EXPECT_EQ(wrapper.selectors.size(), 2u);
 }
 
-TEST(ImageModSelectorWalk, TwoMasksMultiply)
+TEST(ImageModSelectorWalk, MasksReachTheTileToTheirRight)
 {
-    TestSelectorConst s1(0.5f), s2(0.4f);
-    TestModAdd add(10.0f);
-    FlexImageFloat img(4, 3, 3);
-    fillImage(img, 100.0f);
-    runTiles({&s1, &s2, &add}, &img);
-    for (int64_t i = 0; i < img.sampleCount(); ++i)
-        ASSERT_FLOAT_EQ(img.data[i], 102.0f);
-
+    TestSelectorConst s1(0.5f), s2(0.4f), off(0.0f, false), zero(0.0f);
+    TestSelectorRed red;
+    TestModAdd add(10.0f), first(51.0f);
+    const struct {
+        const char* what;
+        std::vector<ImageMod*> tiles;
+        float start, expected;
+    } cases[] = {
+        { "two masks multiply", { &s1, &s2, &add }, 100.0f, 102.0f },
+        { "a disabled mask between mask and tile", { &s1, &off, &add }, 50.0f, 55.0f },
+        { "a mask with nothing to its right acts on nothing", { &add, &zero }, 50.0f, 60.0f },
+        // After the first add red is 51: the mask reads 0.2, so the second add contributes 2.
+        { "a mask sees the pixels as they stand", { &first, &red, &add }, 0.0f, 53.0f },
+    };
+    for (const auto& c : cases) {
+        FlexImageFloat img(4, 3, 3);
+        fillImage(img, c.start);
+        runTiles(c.tiles, &img);
+        for (int64_t i = 0; i < img.sampleCount(); ++i)
+            ASSERT_FLOAT_EQ(img.data[i], c.expected) << c.what;
+    }
     FlexImage8 img8(4, 3, 4);
     fillImage(img8, 100.0f);
-    runTiles({&s1, &s2, &add}, &img8);
+    runTiles({ &s1, &s2, &add }, &img8);
     EXPECT_EQ(img8.data[0], 102);
     EXPECT_EQ(img8.data[3], 100); // alpha untouched
-}
-
-TEST(ImageModSelectorWalk, DisabledMaskBetweenMaskAndMod)
-{
-    TestSelectorConst on(0.5f), off(0.0f, false);
-    TestModAdd add(10.0f);
-    FlexImageFloat img(2, 2, 3);
-    fillImage(img, 50.0f);
-    runTiles({&on, &off, &add}, &img);
-    EXPECT_FLOAT_EQ(img.data[0], 55.0f);
-}
-
-TEST(ImageModSelectorWalk, MaskWithNothingToItsRightActsOnNothing)
-{
-    TestSelectorConst s(0.0f);
-    TestModAdd add(10.0f);
-    FlexImageFloat img(2, 2, 3);
-    fillImage(img, 50.0f);
-    runTiles({&add, &s}, &img);
-    EXPECT_FLOAT_EQ(img.data[0], 60.0f);
-}
-
-TEST(ImageModSelectorWalk, MaskSeesPixelsAsTheyStandWhenTheModRuns)
-{
-    TestModAdd first(51.0f), second(10.0f);
-    TestSelectorRed red;
-    FlexImageFloat img(1, 1, 3);
-    fillImage(img, 0.0f);
-    // After the first add, red is 51: the mask reads 0.2, so the second add contributes 2.
-    runTiles({&first, &red, &second}, &img);
-    EXPECT_FLOAT_EQ(img.data[0], 53.0f);
 }
 
 TEST(ImageModLuminanceSelector, ReadsLuminanceThroughTheCurve)
 {
     ImageModLuminanceSelector lum;
     lum.variables[0]->asCurve()->curve.setFromString("0 0 1 1");
-    FlexImageFloat white(1, 1, 3);
-    setRgb(white, 255, 255, 255);
-    FlexImageFloat black(1, 1, 3);
-    setRgb(black, 0, 0, 0);
-    FlexImageFloat mid(1, 1, 3);
-    setRgb(mid, 100, 150, 200);
-    EXPECT_FLOAT_EQ(lum.maskValue(&white, 0, 0, nullptr), 1.0f);
-    EXPECT_FLOAT_EQ(lum.maskValue(&black, 0, 0, nullptr), 0.0f);
+    auto mid = pixel(100, 150, 200);
+    EXPECT_FLOAT_EQ(lum.maskValue(pixel(255, 255, 255).get(), 0, 0, nullptr), 1.0f);
+    EXPECT_FLOAT_EQ(lum.maskValue(pixel(0, 0, 0).get(), 0, 0, nullptr), 0.0f);
     // 0.299*100 + 0.587*150 + 0.114*200 = 140.75
-    EXPECT_NEAR(lum.maskValue(&mid, 0, 0, nullptr), 140.75f / 255.0f, 1e-4f);
+    EXPECT_NEAR(lum.maskValue(mid.get(), 0, 0, nullptr), 140.75f / 255.0f, 1e-4f);
 
     FlexImage8 mid8(1, 1, 4);
     mid8.data[0] = 100;
     mid8.data[1] = 150;
     mid8.data[2] = 200;
     mid8.data[3] = 0;
-    EXPECT_FLOAT_EQ(lum.maskValue(&mid8, 0, 0, nullptr), lum.maskValue(&mid, 0, 0, nullptr));
+    EXPECT_FLOAT_EQ(lum.maskValue(&mid8, 0, 0, nullptr), lum.maskValue(mid.get(), 0, 0, nullptr));
 
     FlexImageFloat grey(1, 1, 1);
     grey.data[0] = 51.0f;
@@ -226,13 +214,12 @@ TEST(ImageModHueSelector, GreysAndDarksNeverCount)
 TEST(ImageModHSVSelector, ProductOfTheThreeCurves)
 {
     ImageModHSVSelector hsv;
-    FlexImageFloat px(1, 1, 3); // v = 200/255, s = 0.75
-    setRgb(px, 200, 100, 50);
-    EXPECT_FLOAT_EQ(hsv.maskValue(&px, 0, 0, nullptr), 1.0f);
+    auto px = pixel(200, 100, 50); // v = 200/255, s = 0.75
+    EXPECT_FLOAT_EQ(hsv.maskValue(px.get(), 0, 0, nullptr), 1.0f);
     hsv.variables[2]->asCurve()->curve.setFromString("0 0 1 1");
-    EXPECT_NEAR(hsv.maskValue(&px, 0, 0, nullptr), 200.0f / 255.0f, 1e-4f);
+    EXPECT_NEAR(hsv.maskValue(px.get(), 0, 0, nullptr), 200.0f / 255.0f, 1e-4f);
     hsv.variables[1]->asCurve()->curve.setFromString("0 0 1 1");
-    EXPECT_NEAR(hsv.maskValue(&px, 0, 0, nullptr), 0.75f * 200.0f / 255.0f, 1e-4f);
+    EXPECT_NEAR(hsv.maskValue(px.get(), 0, 0, nullptr), 0.75f * 200.0f / 255.0f, 1e-4f);
 }
 
 TEST(ImageModHSVSelector, HueIsTurnedByTheOffset)
@@ -242,26 +229,19 @@ TEST(ImageModHSVSelector, HueIsTurnedByTheOffset)
     hue.closed = false; // a plain ramp makes the read position visible
     hue.setFromString("0 0 1 1");
     hue.hueOffset = 180.0f;
-    FlexImageFloat red(1, 1, 3);
-    setRgb(red, 255, 0, 0);
-    FlexImageFloat green(1, 1, 3);
-    setRgb(green, 0, 255, 0);
-    EXPECT_NEAR(hsv.maskValue(&red, 0, 0, nullptr), 0.5f, 1e-4f);
-    EXPECT_NEAR(hsv.maskValue(&green, 0, 0, nullptr), 300.0f / 360.0f, 1e-4f);
+    auto green = pixel(0, 255, 0);
+    EXPECT_NEAR(hsv.maskValue(pixel(255, 0, 0).get(), 0, 0, nullptr), 0.5f, 1e-4f);
+    EXPECT_NEAR(hsv.maskValue(green.get(), 0, 0, nullptr), 300.0f / 360.0f, 1e-4f);
     hue.hueOffset = 0.0f;
-    EXPECT_NEAR(hsv.maskValue(&green, 0, 0, nullptr), 120.0f / 360.0f, 1e-4f);
+    EXPECT_NEAR(hsv.maskValue(green.get(), 0, 0, nullptr), 120.0f / 360.0f, 1e-4f);
     // A grey pixel has hue 0.
-    FlexImageFloat grey(1, 1, 3);
-    setRgb(grey, 90, 90, 90);
-    EXPECT_NEAR(hsv.maskValue(&grey, 0, 0, nullptr), 0.0f, 1e-6f);
+    EXPECT_NEAR(hsv.maskValue(pixel(90, 90, 90).get(), 0, 0, nullptr), 0.0f, 1e-6f);
 }
 
 TEST(ImageModSpotSelector, FalloffAroundTheImageCentre)
 {
     ImageModSpotSelector spot;
-    spot.variables[1]->data->value = 0.0f;  // Sharpness 0: p = 1
-    spot.variables[2]->data->value = 10.0f; // Radius
-    spot.variableChanged(2);
+    setSpot(spot, 10.0f);
     FlexImageFloat img(101, 101, 3);
     EXPECT_FLOAT_EQ(spot.maskValue(&img, 50, 50, nullptr), 1.0f);
     EXPECT_FLOAT_EQ(spot.maskValue(&img, 55, 50, nullptr), 0.5f);
@@ -271,27 +251,21 @@ TEST(ImageModSpotSelector, FalloffAroundTheImageCentre)
     spot.variables[4]->asChoice()->index = 1; // Inverted
     EXPECT_FLOAT_EQ(spot.maskValue(&img, 50, 50, nullptr), 0.0f);
     EXPECT_FLOAT_EQ(spot.maskValue(&img, 0, 0, nullptr), 1.0f);
-}
 
-TEST(ImageModSpotSelector, InvertedAtAmountZeroIsOneEverywhere)
-{
-    ImageModSpotSelector spot;
+    // Inverted at Amount 0 is 1 everywhere, at 8 bits too.
     spot.variables[0]->data->value = 0.0f;
-    spot.variables[4]->asChoice()->index = 1;
     spot.variableChanged(0);
-    FlexImage8 img(20, 10, 3);
+    FlexImage8 img8(20, 10, 3);
     for (int32_t y = 0; y < 10; y += 3)
         for (int32_t x = 0; x < 20; x += 3)
-            ASSERT_EQ(spot.maskValue(&img, x, y, nullptr), 1.0f);
+            ASSERT_EQ(spot.maskValue(&img8, x, y, nullptr), 1.0f);
 }
 
 TEST(ImageModSpotSelector, CentreFromDocumentPixelsAndFrame)
 {
     ImageModSpotSelector spot;
-    spot.variables[1]->data->value = 0.0f;
-    spot.variables[2]->data->value = 10.0f;
     spot.variables[3]->asPixel()->points[0] = {20.0f, 30.0f};
-    spot.variableChanged(3);
+    setSpot(spot, 10.0f);
     FlexImageFloat img(100, 100, 3);
     img.scale = 0.5f; // centre at (40, 60) in this image; t = d * 0.5 / 10
     EXPECT_FLOAT_EQ(spot.maskValue(&img, 40, 60, nullptr), 1.0f);
@@ -326,9 +300,7 @@ TEST(ImageModSpotSelector, CentreFromDocumentPixelsAndFrame)
 TEST(ImageModSpotSelector, CacheHoldsUntilAChangeIsReported)
 {
     ImageModSpotSelector spot;
-    spot.variables[1]->data->value = 0.0f;
-    spot.variables[2]->data->value = 10.0f;
-    spot.variableChanged(2);
+    setSpot(spot, 10.0f);
     FlexImageFloat img(101, 101, 3);
     EXPECT_FLOAT_EQ(spot.maskValue(&img, 55, 50, nullptr), 0.5f);
     spot.variables[2]->data->value = 20.0f;

@@ -4,6 +4,7 @@
 #include "mods/ImageModCrop.h"
 #include "mods/ImageModSaturation.h"
 #include "mods/ImageModSize2.h"
+#include "mods/styles/CameraStyles.h"
 
 #include <gtest/gtest.h>
 
@@ -71,33 +72,6 @@ TEST(ModCatalogue, EveryInstanceCarriesItsRow)
             EXPECT_EQ(mod.displayName, rows[i].label) << mod.name;
         EXPECT_EQ(mod.version, rows[i].version) << mod.name;
         EXPECT_EQ(mod.toolTip, rows[i].toolTip) << mod.name;
-    }
-}
-
-TEST(ModCatalogue, LabelsAndVersionsThatDifferFromTheName)
-{
-    struct Expect {
-        const char* name;
-        const char* label;
-        int32_t version;
-    };
-    const Expect cases[] = {
-        { "Saturation Curve", "Hue Saturation", 3 },
-        { "Gamma", "Exposure", 2 },
-        { "Curves", "Luminance Curve", 1 },
-        { "White Point", "White Balance", 1 },
-        { "Colorize Temperature", "Temperature", 4 },
-        { "Colorize Basic", "Coloring", 1 },
-        { "Contrast Saturation", "Contrast", 1 },
-        { "RGB Curves", "R,G,B Curves", 1 },
-        { "Dye", "Dye", 2 },
-    };
-    const ModCatalogueContents c = buildModCatalogue();
-    for (const Expect& e : cases) {
-        const ImageMod* mod = findInCatalogue(c.mods, e.name);
-        ASSERT_NE(mod, nullptr) << e.name;
-        EXPECT_EQ(mod->displayName, e.label) << e.name;
-        EXPECT_EQ(mod->version, e.version) << e.name;
     }
 }
 
@@ -207,12 +181,18 @@ TEST(ModCatalogue, GroupsOfTheFileComeBeforeTheCatalogue)
 
 TEST(ModCatalogue, TilesOutsideThePanelAreFoundAfterTheCatalogue)
 {
+    // The 3D LUT, the old grain and the colour space tile load from files without being listed.
     const ModCatalogueContents c = buildModCatalogue();
-    for (const auto& m : c.mods)
-        EXPECT_NE(m->name, "LUT");
-    const ImageMod* lut = findInCatalogue(c.mods, "LUT");
-    ASSERT_NE(lut, nullptr);
-    EXPECT_EQ(createMod(c.mods, "LUT")->name, "LUT");
+    for (const char* name : { "LUT", "Grain Legacy", "Color Space" }) {
+        for (const auto& m : c.mods)
+            EXPECT_NE(m->name, name);
+        const ImageMod* found = findInCatalogue(c.mods, name);
+        ASSERT_NE(found, nullptr) << name;
+        auto mod = createMod(c.mods, name);
+        ASSERT_NE(mod, nullptr) << name;
+        EXPECT_EQ(mod->name, name);
+        EXPECT_EQ(typeid(*mod), typeid(*found));
+    }
     EXPECT_EQ(findInCatalogue(c.mods, "lut"), nullptr);
 
     // A catalogue instance of the same name comes first.
@@ -245,56 +225,17 @@ TEST(ModCatalogue, UtilityHoldsTheDeadPixelAndSizeTilesAndCropIsUnlisted)
     EXPECT_EQ(unlisted[3], crop); // after Highlights, as the table lists it
 }
 
-TEST(ModCatalogue, TheStylesCloseTheCatalogueInPanelOrderWithTheirTips)
+TEST(ModCatalogue, TheStylesCloseTheCatalogueInPanelOrder)
 {
-    struct Style {
-        const char* name;
-        int32_t version;
-        const char* tip;
-    };
-    const Style styles[] = {
-        { "1958", 2, "Those nostalgic maroon hues from Christmases decked with cowboy hats and BB guns." },
-        { "1962", 4, "Dynamic, high-contrast black and whites from the photojournalism of a bygone era." },
-        { "1974", 3, "Dad's old camera. Faded, tinted, and hip." },
-        { "1983", 3, "Think underground breakdance competition." },
-        { "Autochrome", 3, "One of the first color photo processes from the early 1900s." },
-        { "Colorcross", 2, "Chemical color-swapping straight from the darkroom." },
-        { "Helga", 2, "A toy camera feel with washed-out highlights and old-school vignetting." },
-        { "Instant", 2, "No need to shake this instant-developing film." },
-        { "Italiano", 2, "Shades of coffee for Tuscan landscapes." },
-        { "Lolo", 1, "Colorful, vibrant photos shot from the hip." },
-        { "Magazine", 3, "Rich tones and contrast perfect for glossy pages." },
-        { "Matte", 4, "Not so glossy." },
-        { "Mono", 2, "Smoothly filtered black and white, for those times when less is more." },
-        { "Poolside", 2, "Lazy days of summer made hazier, softer." },
-        { "Silver", 2, "Not color, but not quite monochromatic either." },
-        { "Skater", 3, "Skinned knees and noisy photos." },
-        { "Wedding", 1, "The perfect SLR look for the perfect day." },
-        { "Hipster", 1, "From Brooklyn, with love." },
-        { "Plastic", 1, "The cheapest color camera we could find." },
-        { "Saloon", 1, "Old-timey fun with a white vignette." },
-    };
     const ModCatalogueContents c = buildModCatalogue();
     const auto list = c.modsIn(c.styles);
-    ASSERT_EQ(list.size(), std::size(styles));
+    const auto section = buildStyleSection();
+    ASSERT_EQ(list.size(), section.size());
     for (size_t i = 0; i < list.size(); ++i) {
-        EXPECT_EQ(list[i]->name, styles[i].name);
-        EXPECT_EQ(list[i]->displayName, std::string(styles[i].name) + " Camera");
-        EXPECT_EQ(list[i]->version, styles[i].version) << styles[i].name;
-        EXPECT_EQ(list[i]->toolTip, styles[i].tip) << styles[i].name;
-        EXPECT_EQ(findInCatalogue(c.mods, styles[i].name), list[i]);
-    }
-}
-
-TEST(ModCatalogue, OldGrainAndTheColourSpaceTileLoadWithoutBeingListed)
-{
-    const ModCatalogueContents c = buildModCatalogue();
-    for (const char* name : { "Grain Legacy", "Color Space" }) {
-        for (const auto& m : c.mods)
-            EXPECT_NE(m->name, name);
-        auto mod = createMod(c.mods, name);
-        ASSERT_NE(mod, nullptr) << name;
-        EXPECT_EQ(mod->name, name);
-        EXPECT_EQ(typeid(*mod), typeid(*findInCatalogue(c.mods, name)));
+        EXPECT_EQ(typeid(*list[i]), typeid(*section[i])) << section[i]->name;
+        EXPECT_EQ(list[i]->name, section[i]->name);
+        EXPECT_EQ(list[i]->version, section[i]->version) << section[i]->name;
+        EXPECT_EQ(list[i]->toolTip, section[i]->toolTip) << section[i]->name;
+        EXPECT_EQ(findInCatalogue(c.mods, section[i]->name), list[i]);
     }
 }

@@ -66,27 +66,22 @@ TEST_F(BorderFileTest, BandsFollowTheShorterSideOfThePicture)
     ImageModBorderFile paper(0); // 190 picture pixels a side at a 3000 px shorter side
     std::vector<ImageMod*> list { &paper };
     GeometryResult g = computeGeometry(4500, 3000, list);
-    EXPECT_EQ(g.width, 4500 + 380);
-    EXPECT_EQ(g.height, 3000 + 380);
+    EXPECT_EQ(wh(g), wh(4500 + 380, 3000 + 380));
     g = computeGeometry(3000, 4500, list);
-    EXPECT_EQ(g.width, 3380);
-    EXPECT_EQ(g.height, 4880);
+    EXPECT_EQ(wh(g), wh(3380, 4880));
     // Half the picture, half the bands.
     g = computeGeometry(2250, 1500, list);
-    EXPECT_EQ(g.width, 2250 + 190);
-    EXPECT_EQ(g.height, 1500 + 190);
+    EXPECT_EQ(wh(g), wh(2250 + 190, 1500 + 190));
 
     ImageModBorderFile instant(1); // bottom band 458 of 3000 against 128 on the other sides
     std::vector<ImageMod*> one { &instant };
     g = computeGeometry(3000, 3000, one);
-    EXPECT_EQ(g.width, 3256);
-    EXPECT_EQ(g.height, 3000 + 128 + 458);
+    EXPECT_EQ(wh(g), wh(3256, 3000 + 128 + 458));
 
     ImageModBorderFile burned(11); // lies wholly over the photo
     std::vector<ImageMod*> over { &burned };
     g = computeGeometry(3000, 2000, over);
-    EXPECT_EQ(g.width, 3000);
-    EXPECT_EQ(g.height, 2000);
+    EXPECT_EQ(wh(g), wh(3000, 2000));
 }
 
 TEST_F(BorderFileTest, PhotoUntouchedInsideTheFrameAndArtOnTheBands)
@@ -121,8 +116,7 @@ TEST_F(BorderFileTest, WithoutADecoderOnlyTheBackdropIsDrawn)
     std::vector<ImageMod*> list { &film };
     FlexImageFloat out;
     ASSERT_TRUE(geometryResample(photo, out, list, 0, 0, true));
-    EXPECT_EQ(out.width, 300 + 2 * 7);
-    EXPECT_EQ(out.height, 300 + 2 * 33);
+    EXPECT_EQ(wh(out), wh(300 + 2 * 7, 300 + 2 * 33));
     const float* p = out.row(5);
     EXPECT_EQ(p[0], 20.0f);
     EXPECT_EQ(p[1], 18.0f);

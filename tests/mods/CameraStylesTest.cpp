@@ -31,17 +31,22 @@ double meanAbsDiff(const FlexImageT<Sample>& a, const FlexImageT<Sample>& b)
     return s / double(a.sampleCount());
 }
 
-template <typename Sample>
-void render(const ImageMod& style, float variation, FlexImageT<Sample>& out, float amount = 1.0f,
-            int32_t version = -1)
+std::unique_ptr<ImageMod> instance(const ImageMod& style, float variation, float amount = 1.0f, int32_t version = -1)
 {
     std::unique_ptr<ImageMod> m = style.newInstance();
     if (version > 0)
         m->setVersion(version);
     m->variableAt(ImageModStyle::varAmount)->setFloatValue(amount);
     m->variableAt(ImageModStyle::varVariation)->setFloatValue(variation);
+    return m;
+}
+
+template <typename Sample>
+void render(const ImageMod& style, float variation, FlexImageT<Sample>& out, float amount = 1.0f,
+            int32_t version = -1)
+{
     photo(out);
-    m->apply(&out, nullptr);
+    instance(style, variation, amount, version)->apply(&out, nullptr);
 }
 
 struct Row {
@@ -85,27 +90,24 @@ TEST(CameraStyles, SectionHoldsTwentyStylesWithFrozenNamesLabelsAndVariables)
     EXPECT_EQ(styles.back()->toolTip, "Old-timey fun with a white vignette.");
 }
 
-TEST(CameraStyles, AmountZeroLeavesBothDepthsUntouched)
+TEST(CameraStyles, EveryStyleOnBothDepthsWithAndWithoutMask)
 {
+    TestSelectorLeftHalf mask;
+    ImageModApplyContext ctx;
+    ctx.selector = &mask;
     for (const auto& style : buildStyleSection()) {
         SCOPED_TRACE(style->name);
-        FlexImageFloat f, fRef;
-        FlexImage8 b, bRef;
-        render(*style, 1234.5f, f, 0.0f);
-        render(*style, 1234.5f, b, 0.0f);
-        photo(fRef);
-        photo(bRef);
-        EXPECT_TRUE(samePixels(f, fRef));
-        EXPECT_TRUE(samePixels(b, bRef));
-    }
-}
-
-TEST(CameraStyles, EveryStyleChangesAPhotoAndIsDeterministicPerVariation)
-{
-    for (const auto& style : buildStyleSection()) {
-        SCOPED_TRACE(style->name);
-        FlexImageFloat original, a, again, other;
+        FlexImageFloat original, a, again, other, zero;
+        FlexImage8 source, b, zero8;
         photo(original);
+        photo(source);
+        // Amount 0 leaves both depths bit-identical.
+        render(*style, 1234.5f, zero, 0.0f);
+        render(*style, 1234.5f, zero8, 0.0f);
+        EXPECT_TRUE(samePixels(zero, original));
+        EXPECT_TRUE(samePixels(zero8, source));
+
+        // A visible change, the same for one Variation every time, another for another.
         render(*style, -2444.0f, a);
         render(*style, -2444.0f, again);
         render(*style, 1733.25f, other);
@@ -113,23 +115,12 @@ TEST(CameraStyles, EveryStyleChangesAPhotoAndIsDeterministicPerVariation)
         EXPECT_GT(meanAbsDiff(a, original), 4.0);
         EXPECT_TRUE(samePixels(a, again));
         EXPECT_GT(meanAbsDiff(a, other), 0.2) << "Variation must change the look";
-    }
-}
 
-TEST(CameraStyles, EightBitRunsTheFloatRecipeAndRounds)
-{
-    // The 8-bit image is the float result of the same pixels, rounded: no 8-bit stage quirks.
-    for (const auto& style : buildStyleSection()) {
-        SCOPED_TRACE(style->name);
-        FlexImage8 b;
+        // The 8-bit image is the float result of the same pixels, rounded: no 8-bit stage quirks.
         render(*style, 310.0f, b);
-        FlexImage8 source;
-        photo(source);
         FlexImageFloat f;
         f.copyFromOtherDepth(source, true);
-        std::unique_ptr<ImageMod> m = style->newInstance();
-        m->variableAt(ImageModStyle::varVariation)->setFloatValue(310.0f);
-        m->apply(&f, nullptr);
+        instance(*style, 310.0f)->apply(&f, nullptr);
         int32_t worst = 0;
         for (int64_t i = 0; i < b.sampleCount(); ++i) {
             const float v = std::fmin(std::fmax(f.data[i], 0.0f), 255.0f);
@@ -137,54 +128,41 @@ TEST(CameraStyles, EightBitRunsTheFloatRecipeAndRounds)
         }
         EXPECT_EQ(worst, 0);
         EXPECT_GT(meanAbsDiff(b, source), 4.0);
-    }
-}
 
-TEST(CameraStyles, KeepNoStateBetweenApplies)
-{
-    // One instance over two different pictures and back: the first result comes back exactly.
-    for (const auto& style : buildStyleSection()) {
-        SCOPED_TRACE(style->name);
-        std::unique_ptr<ImageMod> m = style->newInstance();
-        m->variableAt(ImageModStyle::varVariation)->setFloatValue(77.0f);
-        FlexImageFloat first, other, second;
-        photo(first);
-        paintScene(other, 50, 120);
+        // One instance over another picture and back keeps no state: the first result comes back.
+        std::unique_ptr<ImageMod> m = instance(*style, -2444.0f);
+        FlexImageFloat tall, second;
+        paintScene(tall, 50, 120);
         photo(second);
-        m->apply(&first, nullptr);
-        m->apply(&other, nullptr);
+        m->apply(&tall, nullptr);
         m->apply(&second, nullptr);
-        EXPECT_TRUE(samePixels(first, second));
-    }
-}
+        EXPECT_TRUE(samePixels(a, second));
 
-TEST(CameraStyles, MaskMergesTheWholeLookOverTheOriginal)
-{
-    SpatialTestHalfMask mask;
-    for (const auto& style : buildStyleSection()) {
-        SCOPED_TRACE(style->name);
-        FlexImageFloat full, masked, original;
-        render(*style, 5.0f, full);
+        // A mask merges the whole look over the original: left half as unmasked, right half kept.
+        FlexImageFloat masked;
         photo(masked);
-        photo(original);
-        std::unique_ptr<ImageMod> m = style->newInstance();
-        m->variableAt(ImageModStyle::varVariation)->setFloatValue(5.0f);
-        ImageModApplyContext ctx;
-        ctx.selector = &mask;
         m->apply(&masked, &ctx);
         double leftErr = 0.0;
         bool rightKept = true;
         for (int32_t y = 0; y < masked.height; ++y)
-            for (int32_t x = 0; x < masked.width; ++x)
-                for (int32_t c = 0; c < 3; ++c) {
-                    const float got = masked.row(y)[x * 3 + c];
-                    if (x < masked.width / 2)
-                        leftErr = std::max(leftErr, double(std::fabs(got - full.row(y)[x * 3 + c])));
-                    else
-                        rightKept = rightKept && got == original.row(y)[x * 3 + c];
-                }
+            for (int32_t k = 0; k < masked.width * 3; ++k) {
+                const float got = masked.row(y)[k];
+                if (k / 3 < masked.width / 2)
+                    leftErr = std::max(leftErr, double(std::fabs(got - a.row(y)[k])));
+                else
+                    rightKept = rightKept && got == original.row(y)[k];
+            }
         EXPECT_LT(leftErr, 1e-3);
         EXPECT_TRUE(rightKept);
+
+        // Empty and null images are ignored.
+        FlexImageFloat empty;
+        FlexImage8 empty8;
+        style->apply(&empty, nullptr);
+        style->apply(&empty8, nullptr);
+        style->apply(static_cast<FlexImageFloat*>(nullptr), nullptr);
+        style->apply(static_cast<FlexImage8*>(nullptr), nullptr);
+        EXPECT_TRUE(empty.isEmpty());
     }
 }
 
@@ -242,9 +220,7 @@ TEST(CameraStyles, SaloonKeepsABrightPhotoOffWhiteAtEveryVariation)
         paintScene(img, 60, 40);
         for (int64_t i = 0; i < img.sampleCount(); ++i)
             img.data[i] = std::min(255.0f, img.data[i] * 0.6f + 110.0f);
-        std::unique_ptr<ImageMod> m = saloon.newInstance();
-        m->variableAt(ImageModStyle::varVariation)->setFloatValue(v);
-        m->apply(&img, nullptr);
+        instance(saloon, v)->apply(&img, nullptr);
         double sum = 0.0;
         int64_t clipped = 0, count = 0;
         for (int32_t y = 10; y < 30; ++y)
@@ -313,19 +289,6 @@ TEST(Colorcross, GreyStaysNeutralOnlyWhereTheChannelsAgree)
     for (int32_t c = 0; c < 3; ++c) {
         EXPECT_GE(ramp.row(0)[c], 0.0f);
         EXPECT_LE(ramp.row(0)[255 * 3 + c], 255.0f);
-    }
-}
-
-TEST(CameraStyles, EmptyAndNullImagesAreIgnored)
-{
-    for (const auto& style : buildStyleSection()) {
-        FlexImageFloat empty;
-        FlexImage8 empty8;
-        style->apply(&empty, nullptr);
-        style->apply(&empty8, nullptr);
-        style->apply(static_cast<FlexImageFloat*>(nullptr), nullptr);
-        style->apply(static_cast<FlexImage8*>(nullptr), nullptr);
-        EXPECT_TRUE(empty.isEmpty());
     }
 }
 

@@ -9,24 +9,6 @@ struct Rgb {
     float r, g, b;
 };
 
-Rgb dyeLegacy(Rgb p, const ColorStepColor& c, float w)
-{
-    dyeLegacyStep(p.r, p.g, p.b, c, w);
-    return p;
-}
-
-Rgb dyeCurrent(Rgb p, const ColorStepColor& c, float w)
-{
-    dyeStep(p.r, p.g, p.b, c, w);
-    return p;
-}
-
-Rgb hue(Rgb p, const ColorStepColor& c, float w)
-{
-    hueStep(p.r, p.g, p.b, c, w);
-    return p;
-}
-
 } // namespace
 
 TEST(ColorSteps, ColorizeAddsDistanceFromTheColoursGreyAndClamps)
@@ -90,55 +72,41 @@ TEST(ColorSteps, ScreenAndMultiply)
     EXPECT_EQ(multiplyStep(300.0f, 1.0f, 1.0f), 255.0f);
 }
 
-TEST(ColorSteps, DyeCurrentTakesHueAndSaturationOfTheColourAtThePixelsValue)
+TEST(ColorSteps, DyeAndHueStepsByHand)
 {
-    const ColorStepColor red = makeStepColor(255.0f, 0.0f, 0.0f);
-    Rgb p = dyeCurrent({100.0f, 50.0f, 200.0f}, red, 1.0f);
-    EXPECT_PIXEL_NEAR(&p.r, 200.0f, 0.0f, 0.0f, 1e-3f);
-    p = dyeCurrent({100.0f, 50.0f, 200.0f}, red, 0.5f);
-    EXPECT_PIXEL_NEAR(&p.r, 150.0f, 25.0f, 100.0f, 1e-3f);
-    // Grey colour: the pixel's value times the colour's value, in all three.
-    const ColorStepColor grey = makeStepColor(127.5f, 127.5f, 127.5f);
-    p = dyeCurrent({100.0f, 50.0f, 200.0f}, grey, 1.0f);
-    EXPECT_PIXEL_NEAR(&p.r, 100.0f, 100.0f, 100.0f, 1e-3f);
-    // Weight 0 leaves the pixel exactly.
-    p = dyeCurrent({100.0f, 50.0f, 200.0f}, red, 0.0f);
-    EXPECT_EQ(p.r, 100.0f);
-    EXPECT_EQ(p.g, 50.0f);
-    EXPECT_EQ(p.b, 200.0f);
-}
-
-TEST(ColorSteps, DyeLegacyRebuildsFromLuminance)
-{
-    // Y 102 gives n 0.4: value 0.4 and saturation 1 - 0.4 of a red hue.
-    const ColorStepColor red = makeStepColor(255.0f, 0.0f, 0.0f);
-    Rgb p = dyeLegacy({102.0f, 102.0f, 102.0f}, red, 1.0f);
-    EXPECT_PIXEL_NEAR(&p.r, 102.0f, 40.8f, 40.8f, 1e-3f);
-    // A darker colour scales n: value 0.5 halves it.
-    const ColorStepColor darkRed = makeStepColor(127.5f, 0.0f, 0.0f);
-    p = dyeLegacy({102.0f, 102.0f, 102.0f}, darkRed, 1.0f);
-    EXPECT_PIXEL_NEAR(&p.r, 51.0f, 51.0f * 0.2f, 51.0f * 0.2f, 1e-3f);
-    p = dyeLegacy({10.0f, 20.0f, 30.0f}, red, 0.0f);
-    EXPECT_EQ(p.r, 10.0f);
-    EXPECT_EQ(p.b, 30.0f);
-}
-
-TEST(ColorSteps, HueKeepsPixelSaturationAndValueWeightedByColourPurity)
-{
-    const ColorStepColor blue = makeStepColor(0.0f, 0.0f, 255.0f);
-    Rgb p = hue({200.0f, 50.0f, 50.0f}, blue, 1.0f);
-    EXPECT_PIXEL_NEAR(&p.r, 50.0f, 50.0f, 200.0f, 1e-3f);
-    p = hue({200.0f, 50.0f, 50.0f}, blue, 0.5f);
-    EXPECT_PIXEL_NEAR(&p.r, 125.0f, 50.0f, 125.0f, 1e-3f);
-    // A half-saturated colour blends half as much.
-    const ColorStepColor paleBlue = makeStepColor(127.5f, 127.5f, 255.0f);
-    p = hue({200.0f, 50.0f, 50.0f}, paleBlue, 1.0f);
-    EXPECT_PIXEL_NEAR(&p.r, 125.0f, 50.0f, 125.0f, 1e-3f);
-    // A grey colour has weight 0: the pixel stays bit for bit.
-    p = hue({200.0f, 50.0f, 50.0f}, makeStepColor(90.0f, 90.0f, 90.0f), 1.0f);
-    EXPECT_EQ(p.r, 200.0f);
-    EXPECT_EQ(p.g, 50.0f);
-    EXPECT_EQ(p.b, 50.0f);
+    using Step = void (*)(float&, float&, float&, const ColorStepColor&, float);
+    const struct {
+        const char* what;
+        Step step;
+        Rgb in, colour;
+        float w;
+        Rgb out;
+    } cases[] = {
+        // Dye takes hue and saturation of the colour at the pixel's value.
+        { "dye red", dyeStep, { 100, 50, 200 }, { 255, 0, 0 }, 1.0f, { 200, 0, 0 } },
+        { "dye red half", dyeStep, { 100, 50, 200 }, { 255, 0, 0 }, 0.5f, { 150, 25, 100 } },
+        // Grey colour: the pixel's value times the colour's value, in all three.
+        { "dye grey", dyeStep, { 100, 50, 200 }, { 127.5f, 127.5f, 127.5f }, 1.0f, { 100, 100, 100 } },
+        { "dye weight 0", dyeStep, { 100, 50, 200 }, { 255, 0, 0 }, 0.0f, { 100, 50, 200 } },
+        // The legacy dye rebuilds from luminance: Y 102 gives n 0.4, value 0.4 and saturation 0.6.
+        { "legacy red", dyeLegacyStep, { 102, 102, 102 }, { 255, 0, 0 }, 1.0f, { 102, 40.8f, 40.8f } },
+        // A darker colour scales n: value 0.5 halves it.
+        { "legacy dark red", dyeLegacyStep, { 102, 102, 102 }, { 127.5f, 0, 0 }, 1.0f, { 51, 10.2f, 10.2f } },
+        { "legacy weight 0", dyeLegacyStep, { 10, 20, 30 }, { 255, 0, 0 }, 0.0f, { 10, 20, 30 } },
+        // Hue keeps the pixel's saturation and value, weighted by the colour's purity.
+        { "hue blue", hueStep, { 200, 50, 50 }, { 0, 0, 255 }, 1.0f, { 50, 50, 200 } },
+        { "hue blue half", hueStep, { 200, 50, 50 }, { 0, 0, 255 }, 0.5f, { 125, 50, 125 } },
+        { "hue pale blue", hueStep, { 200, 50, 50 }, { 127.5f, 127.5f, 255 }, 1.0f, { 125, 50, 125 } },
+        { "hue grey", hueStep, { 200, 50, 50 }, { 90, 90, 90 }, 1.0f, { 200, 50, 50 } },
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Rgb p = c.in;
+        c.step(p.r, p.g, p.b, makeStepColor(c.colour.r, c.colour.g, c.colour.b), c.w);
+        // Where nothing should change (weight 0, a grey hue colour), the pixel stays bit for bit.
+        const bool exact = c.out.r == c.in.r && c.out.g == c.in.g && c.out.b == c.in.b;
+        EXPECT_PIXEL_NEAR(&p.r, c.out.r, c.out.g, c.out.b, exact ? 0.0f : 1e-3f);
+    }
 }
 
 TEST(ColorSteps, EightBitStoreClampsHighThenLowAndTruncates)
@@ -163,20 +131,14 @@ TEST(ColorSteps, ComplementAndMethodSigns)
     // Colorize: a negative weight pushes the other way.
     float px[3] = {100.0f, 100.0f, 100.0f};
     colorMethodPixel<kColorMethodColorize>(px, 3, -0.5f, pos, neg, true);
-    EXPECT_EQ(px[0], 50.0f);
-    EXPECT_EQ(px[1], 100.0f);
-    EXPECT_EQ(px[2], 150.0f);
+    EXPECT_PIXEL_NEAR(px, 50.0f, 100.0f, 150.0f, 0);
     // Tint below 0: c * (1 + w) - complement * w.
     float t[3] = {100.0f, 100.0f, 100.0f};
     colorMethodPixel<kColorMethodTint>(t, 3, -0.5f, pos, neg, true);
-    EXPECT_EQ(t[0], 77.5f);
-    EXPECT_EQ(t[1], 127.5f);
-    EXPECT_EQ(t[2], 177.5f);
+    EXPECT_PIXEL_NEAR(t, 77.5f, 127.5f, 177.5f, 0);
     // Balance keeps the colour itself and the sign.
     const ColorStepColor bal = makeStepColor(40.0f, 0.0f, 20.0f);
     float b[3] = {100.0f, 100.0f, 100.0f};
     colorMethodPixel<kColorMethodBalance>(b, 3, -0.5f, bal, makeStepComplement(40.0f, 0.0f, 20.0f), true);
-    EXPECT_EQ(b[0], 80.0f);
-    EXPECT_EQ(b[1], 100.0f);
-    EXPECT_EQ(b[2], 90.0f);
+    EXPECT_PIXEL_NEAR(b, 80.0f, 100.0f, 90.0f, 0);
 }

@@ -52,10 +52,3 @@ inline std::vector<int> colourApply8(ImageMod& mod, const std::vector<int>& px, 
         out[size_t(c)] = img.data[c];
     return out;
 }
-
-#define EXPECT_PIXEL_NEAR(px, r, g, b, tol)                                                                            \
-    do {                                                                                                               \
-        EXPECT_NEAR((px)[0], (r), (tol));                                                                              \
-        EXPECT_NEAR((px)[1], (g), (tol));                                                                              \
-        EXPECT_NEAR((px)[2], (b), (tol));                                                                              \
-    } while (0)

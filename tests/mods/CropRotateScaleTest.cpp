@@ -27,17 +27,16 @@ float at(const FlexImageFloat& img, int32_t x, int32_t y, int32_t c = 0)
 TEST(Sampler, NearestRoundsAndClamps)
 {
     const float data[] = {10, 20, 30, 40};
-    float out = 0;
-    sampleNearest(data, 4, 1, 1, 1.49, 0.0, 1, &out);
-    EXPECT_EQ(out, 20.0f);
-    sampleNearest(data, 4, 1, 1, 1.5, 0.0, 1, &out);
-    EXPECT_EQ(out, 30.0f);
-    sampleNearest(data, 4, 1, 1, -7.0, -3.0, 1, &out);
-    EXPECT_EQ(out, 10.0f);
-    sampleNearest(data, 4, 1, 1, 90.0, 2.0, 1, &out);
-    EXPECT_EQ(out, 40.0f);
-    sampleNearest(data, 4, 1, 1, std::nan(""), 0.0, 1, &out);
-    EXPECT_EQ(out, 10.0f);
+    auto nearest = [&](double x, double y) {
+        float out = 0;
+        sampleNearest(data, 4, 1, 1, x, y, 1, &out);
+        return out;
+    };
+    EXPECT_EQ(nearest(1.49, 0.0), 20.0f);
+    EXPECT_EQ(nearest(1.5, 0.0), 30.0f);
+    EXPECT_EQ(nearest(-7.0, -3.0), 10.0f);
+    EXPECT_EQ(nearest(90.0, 2.0), 40.0f);
+    EXPECT_EQ(nearest(std::nan(""), 0.0), 10.0f);
 }
 
 TEST(Sampler, BilinearMixesFourNeighboursAndHoldsTheLastPixel)
@@ -64,19 +63,18 @@ TEST(Sampler, BoxWeighsThePartlyCoveredEdgePixels)
     std::vector<float> row(10);
     for (int32_t i = 0; i < 10; ++i)
         row[size_t(i)] = 10.0f * i;
-    float out = 0;
+    auto box = [&](double x, double side) {
+        float out = 0;
+        sampleBox(row.data(), 10, 1, 1, x, 0.0, side, 1, &out);
+        return out;
+    };
     // Box [3.5, 5.0]: pixel 4 whole, pixel 5 half.
-    sampleBox(row.data(), 10, 1, 1, 4.25, 0.0, 1.5, 1, &out);
-    EXPECT_NEAR(out, (40.0 + 0.5 * 50.0) / 1.5, 1e-5);
+    EXPECT_NEAR(box(4.25, 1.5), (40.0 + 0.5 * 50.0) / 1.5, 1e-5);
     // Box [2.3, 4.7]: pixel 2 covers 0.2, 3 and 4 whole, 5 covers 0.2.
-    sampleBox(row.data(), 10, 1, 1, 3.5, 0.0, 2.4, 1, &out);
-    EXPECT_NEAR(out, (0.2 * 20 + 30 + 40 + 0.2 * 50) / 2.4, 1e-4);
-    // At the edge the box is cut to the picture.
-    sampleBox(row.data(), 10, 1, 1, 0.0, 0.0, 3.0, 1, &out);
-    EXPECT_NEAR(out, (0.0 + 10.0) / 2.0, 1e-5);
-    // Entirely outside: the edge pixel.
-    sampleBox(row.data(), 10, 1, 1, 30.0, 0.0, 2.0, 1, &out);
-    EXPECT_EQ(out, 90.0f);
+    EXPECT_NEAR(box(3.5, 2.4), (0.2 * 20 + 30 + 40 + 0.2 * 50) / 2.4, 1e-4);
+    // At the edge the box is cut to the picture; entirely outside it reads the edge pixel.
+    EXPECT_NEAR(box(0.0, 3.0), (0.0 + 10.0) / 2.0, 1e-5);
+    EXPECT_EQ(box(30.0, 2.0), 90.0f);
 }
 
 TEST(Sampler, BoxIsSeparableInTwoDimensions)

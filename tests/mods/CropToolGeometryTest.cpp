@@ -12,6 +12,23 @@ namespace {
 const CropViewRect kView{50.0, 40.0, 400.0, 300.0};
 constexpr double kWidgetW = 800.0, kWidgetH = 600.0;
 
+void setInsets(CropToolGeometry& g, float left, float right, float top, float bottom)
+{
+    g.leftInset = left;
+    g.rightInset = right;
+    g.topInset = top;
+    g.bottomInset = bottom;
+}
+
+// The four insets within a millionth, named in the failure.
+void expectInsets(const CropToolGeometry& g, float left, float right, float top, float bottom)
+{
+    EXPECT_NEAR(g.leftInset, left, 1e-6f) << "left";
+    EXPECT_NEAR(g.rightInset, right, 1e-6f) << "right";
+    EXPECT_NEAR(g.topInset, top, 1e-6f) << "top";
+    EXPECT_NEAR(g.bottomInset, bottom, 1e-6f) << "bottom";
+}
+
 } // namespace
 
 TEST(CropToolHitTest, CornerGrabEndsAtTwentyPixels)
@@ -87,18 +104,12 @@ TEST(CropToolDrag, PressWithoutAHitIsPassedOn)
 TEST(CropToolDrag, InsideDragMovesTheWholeFrameAndKeepsItsSize)
 {
     CropToolGeometry g;
-    g.leftInset = 0.2f;
-    g.rightInset = 0.3f;
-    g.topInset = 0.1f;
-    g.bottomInset = 0.4f;
+    setInsets(g, 0.2f, 0.3f, 0.1f, 0.4f);
     ASSERT_TRUE(g.hitTest(250.0, 100.0, kView, kWidgetW, kWidgetH));
     ASSERT_TRUE(g.hitInside);
     ASSERT_TRUE(g.press(250.0, 100.0));
     g.drag(290.0, 130.0, kView); // +0.1 of the width, +0.1 of the height
-    EXPECT_NEAR(g.leftInset, 0.3f, 1e-6f);
-    EXPECT_NEAR(g.rightInset, 0.2f, 1e-6f);
-    EXPECT_NEAR(g.topInset, 0.2f, 1e-6f);
-    EXPECT_NEAR(g.bottomInset, 0.3f, 1e-6f);
+    expectInsets(g, 0.3f, 0.2f, 0.2f, 0.3f);
     // Overshooting to the left: the left side stops at 0, the right takes the whole sum.
     g.drag(0.0, 130.0, kView);
     EXPECT_FLOAT_EQ(g.leftInset, 0.0f);
@@ -168,13 +179,10 @@ TEST(CropToolDrag, EdgePastTheOppositeEdgeIsOnlyClamped)
 TEST(CropToolDrag, ResetClearsTheInsetsAndKeepsTheAspect)
 {
     CropToolGeometry g;
-    g.leftInset = 0.1f;
-    g.rightInset = 0.2f;
-    g.topInset = 0.3f;
-    g.bottomInset = 0.05f;
+    setInsets(g, 0.1f, 0.2f, 0.3f, 0.05f);
     g.customAspect = 1.5f;
     g.resetInsets();
-    EXPECT_FLOAT_EQ(g.leftInset + g.rightInset + g.topInset + g.bottomInset, 0.0f);
+    expectInsets(g, 0.0f, 0.0f, 0.0f, 0.0f);
     EXPECT_FLOAT_EQ(g.customAspect, 1.5f);
 }
 
@@ -214,10 +222,7 @@ TEST(CropToolState, RoundTripThroughTheCropTile)
 {
     ImageModCrop crop;
     CropToolGeometry g;
-    g.leftInset = 0.125f;
-    g.rightInset = 0.25f;
-    g.topInset = 0.0625f;
-    g.bottomInset = 0.5f;
+    setInsets(g, 0.125f, 0.25f, 0.0625f, 0.5f);
     const CropPixelInsets px = applyCropState(g, crop, 1600, 1200);
     EXPECT_EQ(px.left, 200);
     EXPECT_EQ(px.right, 400);
@@ -227,10 +232,7 @@ TEST(CropToolState, RoundTripThroughTheCropTile)
     CropToolGeometry back;
     back.hitLeft = true;
     readCropState(crop, back);
-    EXPECT_FLOAT_EQ(back.leftInset, 0.125f);
-    EXPECT_FLOAT_EQ(back.rightInset, 0.25f);
-    EXPECT_FLOAT_EQ(back.topInset, 0.0625f);
-    EXPECT_FLOAT_EQ(back.bottomInset, 0.5f);
+    expectInsets(back, 0.125f, 0.25f, 0.0625f, 0.5f);
     EXPECT_FALSE(back.anyHit());
     EXPECT_FLOAT_EQ(back.listAspect, 0.0f);
 }
@@ -256,16 +258,11 @@ TEST(CropToolState, CustomAspectSelectsTheCustomRowAndShapesTheCut)
 
 TEST(CropToolState, QuarterTurnsCarryTheCutAround)
 {
-    float l = 0.1f, r = 0.2f, t = 0.3f, b = 0.4f;
-    rotateCropInsets(l, r, t, b, true);
+    CropToolGeometry g;
+    setInsets(g, 0.1f, 0.2f, 0.3f, 0.4f);
+    rotateCropInsets(g.leftInset, g.rightInset, g.topInset, g.bottomInset, true);
     // Clockwise: the bottom comes to the left, the left to the top.
-    EXPECT_FLOAT_EQ(l, 0.4f);
-    EXPECT_FLOAT_EQ(t, 0.1f);
-    EXPECT_FLOAT_EQ(r, 0.3f);
-    EXPECT_FLOAT_EQ(b, 0.2f);
-    rotateCropInsets(l, r, t, b, false);
-    EXPECT_FLOAT_EQ(l, 0.1f);
-    EXPECT_FLOAT_EQ(r, 0.2f);
-    EXPECT_FLOAT_EQ(t, 0.3f);
-    EXPECT_FLOAT_EQ(b, 0.4f);
+    expectInsets(g, 0.4f, 0.3f, 0.1f, 0.2f);
+    rotateCropInsets(g.leftInset, g.rightInset, g.topInset, g.bottomInset, false);
+    expectInsets(g, 0.1f, 0.2f, 0.3f, 0.4f);
 }

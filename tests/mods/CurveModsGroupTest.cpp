@@ -16,47 +16,34 @@
 
 namespace {
 
+template <typename Mod>
+Mod& add(std::vector<std::unique_ptr<ImageMod>>& mods, int32_t curve, const char* points, int32_t version = 0)
+{
+    auto mod = std::make_unique<Mod>();
+    if (version > 0)
+        mod->setVersion(version);
+    setCurve(*mod, curve, points);
+    Mod& added = *mod;
+    mods.push_back(std::move(mod));
+    return added;
+}
+
 // Every tile of the family with a non-neutral setting, at an old version where it has one.
 std::vector<std::unique_ptr<ImageMod>> configuredMods()
 {
+    const char* s = "0 .1 .5 .6 1 .9";
+    const char* hue = "0 .8 .5 .2 1 .8";
     std::vector<std::unique_ptr<ImageMod>> mods;
-    auto tone = std::make_unique<ImageModToneCurve>();
-    setCurve(*tone, 1, "0 .1 .5 .6 1 .9");
-    setChoice(*tone, 2, 2);
-    mods.push_back(std::move(tone));
-    auto lum = std::make_unique<ImageModLuminanceCurve>();
-    setCurve(*lum, 1, "0 .1 .5 .6 1 .9");
-    mods.push_back(std::move(lum));
-    auto comb = std::make_unique<ImageModRGBCombinedCurve>();
-    setCurve(*comb, 1, "0 .1 .5 .6 1 .9");
-    mods.push_back(std::move(comb));
-    auto rgb = std::make_unique<ImageModRGBCurves>();
-    setCurve(*rgb, 2, "0 .1 .5 .6 1 .9");
-    mods.push_back(std::move(rgb));
-    auto comp = std::make_unique<ImageModComponentCurve>();
-    setCurve(*comp, 1, "0 .1 .5 .6 1 .9");
-    setChoice(*comp, 2, 5);
-    mods.push_back(std::move(comp));
-    auto lab = std::make_unique<ImageModLabCurves>();
-    setCurve(*lab, 1, "0 .2 1 .8");
-    mods.push_back(std::move(lab));
-    auto exp = std::make_unique<ImageModExposureCurve>();
-    exp->setVersion(1);
-    setCurve(*exp, 1, "0 .2 1 .8");
-    mods.push_back(std::move(exp));
-    auto sat = std::make_unique<ImageModSaturationCurve>();
-    sat->setVersion(1);
-    setCurve(*sat, 1, "0 .8 .5 .2 1 .8");
-    mods.push_back(std::move(sat));
-    auto hb = std::make_unique<ImageModHueBrightness>();
-    hb->setVersion(2);
-    setCurve(*hb, 1, "0 .8 .5 .2 1 .8");
-    mods.push_back(std::move(hb));
-    auto shift = std::make_unique<ImageModHueShift>();
-    shift->setVersion(1);
-    setCurve(*shift, 1, "0 .8 .5 .2 1 .8");
-    setHueOffset(*shift, 1, 45.0f);
-    mods.push_back(std::move(shift));
+    setChoice(add<ImageModToneCurve>(mods, 1, s), 2, 2);
+    add<ImageModLuminanceCurve>(mods, 1, s);
+    add<ImageModRGBCombinedCurve>(mods, 1, s);
+    add<ImageModRGBCurves>(mods, 2, s);
+    setChoice(add<ImageModComponentCurve>(mods, 1, s), 2, 5);
+    add<ImageModLabCurves>(mods, 1, "0 .2 1 .8");
+    add<ImageModExposureCurve>(mods, 1, "0 .2 1 .8", 1);
+    add<ImageModSaturationCurve>(mods, 1, hue, 1);
+    add<ImageModHueBrightness>(mods, 1, hue, 2);
+    setHueOffset(add<ImageModHueShift>(mods, 1, hue, 1), 1, 45.0f);
     return mods;
 }
 

@@ -5,6 +5,7 @@
 #include "mods/ImageModLuminanceCurve.h"
 #include "mods/ImageModRGBCombinedCurve.h"
 #include "mods/ImageModRGBCurves.h"
+#include "tests/core/TestSelectors.h"
 #include "tests/mods/CurveTestHelpers.h"
 
 #include "core/ColorMath.h"
@@ -37,29 +38,6 @@ void expectNeutralBothDepths()
 }
 
 } // namespace
-
-TEST(CurveMods, NamesLabelsAndVariables)
-{
-    ImageModLuminanceCurve lum;
-    EXPECT_EQ(lum.name, "Curves");
-    EXPECT_EQ(lum.displayName, "Luminance Curve");
-    ImageModRGBCombinedCurve comb;
-    EXPECT_EQ(comb.name, "RGB Curve");
-    ImageModRGBCurves rgb;
-    EXPECT_EQ(rgb.name, "RGB Curves");
-    EXPECT_EQ(rgb.displayName, "R,G,B Curves");
-    ASSERT_EQ(rgb.variableCount(), 5);
-    EXPECT_EQ(rgb.variableAt(3)->name, "RGB");
-    EXPECT_FALSE(rgb.variableAt(4)->visible);
-    ImageModComponentCurve comp;
-    EXPECT_EQ(comp.choiceIndex(2), ImageModComponentCurve::redGreen);
-    EXPECT_EQ(comp.variableAt(2)->asChoice()->indexOfLabel("GB"), 4);
-    ImageModLabCurves lab;
-    EXPECT_EQ(lab.displayName, "L,a,b Curves");
-    EXPECT_EQ(lab.variableAt(1)->name, "a");
-    for (const ImageMod* m : std::initializer_list<const ImageMod*>{&lum, &comb, &rgb, &comp, &lab})
-        EXPECT_FALSE(m->toolTip.empty()) << m->name;
-}
 
 TEST(CurveMods, ExposureCurveVersionSetsLabelAndTip)
 {
@@ -146,9 +124,7 @@ TEST(CurveMods, CombinedCurveFloatAndEightBitEnds)
     EXPECT_NEAR(f->data[2], 153.0f, 1e-4);
     auto b = curveTestImage<FlexImage8>({{128.0f, 254.0f, 255.0f}});
     mod.apply(b.get(), &ctx);
-    EXPECT_EQ(b->data[0], 51);
-    EXPECT_EQ(b->data[1], 51);
-    EXPECT_EQ(b->data[2], 153);
+    EXPECT_PIXEL_NEAR(b->data, 51, 51, 153, 0);
 }
 
 TEST(CurveMods, RgbCurvesOwnCurveThenSharedCurve)
@@ -159,15 +135,11 @@ TEST(CurveMods, RgbCurvesOwnCurveThenSharedCurve)
     auto f = curveTestImage<FlexImageFloat>({{127.5f, 127.5f, 127.5f}});
     mod.apply(f.get(), nullptr);
     // Red: 127.5 -> 0.4 * 255 = 102 -> 0.2 * 255 = 51 (the other order would give 76.5).
-    EXPECT_NEAR(f->data[0], 51.0f, 1e-3);
-    EXPECT_NEAR(f->data[1], 63.75f, 1e-3);
-    EXPECT_NEAR(f->data[2], 63.75f, 1e-3);
+    EXPECT_PIXEL_NEAR(f->data, 51.0f, 63.75f, 63.75f, 1e-3);
     auto b = curveTestImage<FlexImage8>({{128.0f, 128.0f, 255.0f}});
     mod.apply(b.get(), nullptr);
     // 8-bit: red 128 -> entry 0 (0.2) -> 51 -> entry 0 of the shared curve (0) -> 0.
-    EXPECT_EQ(b->data[0], 0);
-    EXPECT_EQ(b->data[1], 0);
-    EXPECT_EQ(b->data[2], 127);
+    EXPECT_PIXEL_NEAR(b->data, 0, 0, 127, 0);
 }
 
 template <typename Image>
@@ -213,18 +185,7 @@ TEST(CurveMods, ComponentCurveTouchesChosenChannelsOnly)
 TEST(CurveMods, ComponentCurveMaskPassPerChannel)
 {
     // A mask reading red: the green pass sees red already changed, as a pass per channel does.
-    class RedMask : public ImageModSelector {
-    public:
-        std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<RedMask>(); }
-        float maskValue(const FlexImageFloat* img, int32_t x, int32_t y, const ReferenceFrame*) const override
-        {
-            return img->row(y)[x * img->channels] / 255.0f;
-        }
-        float maskValue(const FlexImage8* img, int32_t x, int32_t y, const ReferenceFrame*) const override
-        {
-            return float(img->row(y)[x * img->channels]) / 255.0f;
-        }
-    } mask;
+    TestSelectorRed mask;
     ImageModComponentCurve mod;
     setCurve(mod, 1, "0 1 1 1");
     auto f = curveTestImage<FlexImageFloat>({{51.0f, 0.0f, 0.0f}});
@@ -312,9 +273,7 @@ TEST(CurveMods, ExposureCurveGammaForms)
     EXPECT_EQ(f->data[2], 0.0f);
     auto b = curveTestImage<FlexImage8>({{128.0f, 255.0f, 0.0f}});
     dark.apply(b.get(), nullptr);
-    EXPECT_EQ(b->data[0], 64);   // 128^2 / 255 = 64.25
-    EXPECT_EQ(b->data[1], 254);
-    EXPECT_EQ(b->data[2], 0);
+    EXPECT_PIXEL_NEAR(b->data, 64, 254, 0, 0);   // 128^2 / 255 = 64.25
 
     // Table 0.75: e = 1.5, brightening with exponent 2; black floored at 0.05 first.
     ImageModExposureCurve bright;

@@ -5,6 +5,7 @@
 #include "core/ImageModVariableDataChoice.h"
 #include "core/ImageModVariableDataCurve.h"
 #include "core/ImageMod.h"
+#include "tests/core/TestSelectors.h"
 
 #include <gtest/gtest.h>
 
@@ -15,15 +16,7 @@
 
 // Helpers for the curve tile tests.
 
-// A mask with one value everywhere.
-class CurveTestMask : public ImageModSelector {
-public:
-    explicit CurveTestMask(float v) : ImageModSelector("Curve Test Mask"), value(v) {}
-    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<CurveTestMask>(value); }
-    float maskValue(const FlexImageFloat*, int32_t, int32_t, const ReferenceFrame*) const override { return value; }
-    float maskValue(const FlexImage8*, int32_t, int32_t, const ReferenceFrame*) const override { return value; }
-    float value;
-};
+using CurveTestMask = TestSelectorConst;
 
 // 1 on even columns, 0 on odd ones.
 class CurveTestStripeMask : public ImageModSelector {
@@ -109,3 +102,11 @@ inline ImageModApplyContext maskContext(ImageModSelector* selector)
     c.selector = selector;
     return c;
 }
+
+// The first three samples at px, each within tol (0: exactly).
+#define EXPECT_PIXEL_NEAR(px, r, g, b, tol)                                                                            \
+    do {                                                                                                               \
+        EXPECT_NEAR((px)[0], (r), (tol));                                                                              \
+        EXPECT_NEAR((px)[1], (g), (tol));                                                                              \
+        EXPECT_NEAR((px)[2], (b), (tol));                                                                              \
+    } while (0)

@@ -33,17 +33,8 @@ template <typename Sample> Stats deltaStats(const FlexImageT<Sample>& after, con
 // Grain at full size boxed down against grain laid on the quarter-size preview.
 template <typename Sample> void grainPreviewStats(ImageMod& grain, Stats& fullDown, Stats& preview)
 {
-    FlexImageT<Sample> full, quarter;
-    full.copyFrom(sceneAt<Sample>(1), true);
-    quarter.copyFrom(sceneAt<Sample>(4), true);
-    grain.apply(&full, nullptr);
-    ReferenceFrame frame = wholeFrame(quarter.width, quarter.height, 4.0f);
-    ImageModApplyContext ctx;
-    ctx.referenceFrame = &frame;
-    ctx.pass = 1;
-    grain.apply(&quarter, &ctx);
-    FlexImageT<Sample> down;
-    boxDown(full, down, 4);
+    FlexImageT<Sample> down, quarter;
+    renderFullAndPreview(grain, 1, down, quarter);
     fullDown = deltaStats(down, sceneAt<Sample>(4));
     preview = deltaStats(quarter, sceneAt<Sample>(4));
 }
@@ -118,7 +109,7 @@ template <typename Sample> void checkMaskZeroAndDeterminism()
     FlexImageT<Sample> src;
     paintScene(src, 160, 120);
     ReferenceFrame frame = wholeFrame(160, 120, 1.0f);
-    SpatialTestHalfMask mask;
+    TestSelectorLeftHalf mask;
     for (auto& mod : everyEffect()) {
         ImageModApplyContext ctx;
         ctx.referenceFrame = &frame;

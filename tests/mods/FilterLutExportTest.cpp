@@ -37,6 +37,30 @@ size_t fileCount(const std::filesystem::path& dir)
     return n;
 }
 
+// Exports the sequence, loads the table with the 3D LUT tile and returns the worst distance between
+// a random picture run through the sequence and run through the table.
+float worstThroughTheTable(const std::vector<ImageMod*>& sequence, int32_t w, int32_t h, uint32_t seed)
+{
+    LutTempDir dir;
+    const std::string path = dir.file("sequence.cube");
+    EXPECT_TRUE(exportFilterLut(sequence, path));
+    ImageModLUT3D lut;
+    lut.variables[1]->asFile()->path = path;
+    lut.variableChanged(1);
+    EXPECT_NE(lut.table(), nullptr) << lut.loadMessage();
+    FlexImageFloat direct(w, h, 3);
+    fillRandom(direct, seed);
+    FlexImageFloat viaTable(0, 0, 3);
+    viaTable.copyFrom(direct, true);
+    for (ImageMod* m : sequence) // a mask's own apply draws nothing
+        m->apply(&direct, nullptr);
+    lut.apply(&viaTable, nullptr);
+    float worst = 0.0f;
+    for (int64_t i = 0; i < direct.sampleCount(); ++i)
+        worst = std::max(worst, std::fabs(direct.data[i] - viaTable.data[i]));
+    return worst;
+}
+
 } // namespace
 
 TEST(FilterLutExport, EmptySequenceWritesTheIdentityLattice)
@@ -88,31 +112,12 @@ TEST(FilterLutExport, NumbersIgnoreTheProcessLocale)
 
 TEST(FilterLutExport, ExportedTableMatchesTheSequence)
 {
-    LutTempDir dir;
     LutTestSmoothMod smooth;
-    LutTestLeftHalfMask mask; // disabled: the tile after it runs unmasked
+    TestSelectorLeftHalf mask; // disabled: the tile after it runs unmasked
     mask.enabled = false;
     LutTestSmoothMod second;
     second.variables[0]->setFloatValue(0.5f);
-    std::vector<ImageMod*> sequence = {&mask, &smooth, &second};
-    const std::string path = dir.file("smooth.cube");
-    ASSERT_TRUE(exportFilterLut(sequence, path));
-
-    ImageModLUT3D lut;
-    lut.variables[1]->asFile()->path = path;
-    lut.variableChanged(1);
-    ASSERT_NE(lut.table(), nullptr) << lut.loadMessage();
-
-    FlexImageFloat direct(128, 64, 3);
-    fillRandom(direct, 42u);
-    FlexImageFloat viaTable(0, 0, 3);
-    viaTable.copyFrom(direct, true);
-    smooth.apply(&direct, nullptr);
-    second.apply(&direct, nullptr);
-    lut.apply(&viaTable, nullptr);
-    float worst = 0.0f;
-    for (int64_t i = 0; i < direct.sampleCount(); ++i)
-        worst = std::max(worst, std::fabs(direct.data[i] - viaTable.data[i]));
+    const float worst = worstThroughTheTable({&mask, &smooth, &second}, 128, 64, 42u);
     EXPECT_LT(worst, 1.5f);
     EXPECT_GT(worst, 0.0f); // the sequence does change the picture
 }
@@ -120,7 +125,7 @@ TEST(FilterLutExport, ExportedTableMatchesTheSequence)
 TEST(FilterLutExport, MasksActAndShapeChangingTilesAreLeftOut)
 {
     LutTempDir dir;
-    LutTestLeftHalfMask mask;
+    TestSelectorLeftHalf mask;
     LutTestSmoothMod smooth;
     LutTestShrinkMod size; // group 2: skipped
     const std::string path = dir.file("masked.cube");
@@ -162,25 +167,7 @@ TEST(FilterLutExport, RealTilesRoundTrip)
     ImageModToneCurve curve;
     curve.variables[ImageModToneCurve::varCurve]->asCurve()->curve.setFromString("0 0 .25 .2 .75 .8 1 1");
     ImageModSaturation saturation(2, 0.8f);
-    std::vector<ImageMod*> sequence = {&exposure, &curve, &saturation};
-    LutTempDir dir;
-    const std::string path = dir.file("real.cube");
-    ASSERT_TRUE(exportFilterLut(sequence, path));
-    ImageModLUT3D lut;
-    lut.variables[1]->asFile()->path = path;
-    lut.loadResources();
-    ASSERT_NE(lut.table(), nullptr) << lut.loadMessage();
-
-    FlexImageFloat direct(96, 64, 3);
-    fillRandom(direct, 9u);
-    FlexImageFloat viaTable(0, 0, 3);
-    viaTable.copyFrom(direct, true);
-    for (ImageMod* m : sequence)
-        m->apply(&direct, nullptr);
-    lut.apply(&viaTable, nullptr);
-    float worst = 0.0f;
-    for (int64_t i = 0; i < direct.sampleCount(); ++i)
-        worst = std::max(worst, std::fabs(direct.data[i] - viaTable.data[i]));
+    const float worst = worstThroughTheTable({&exposure, &curve, &saturation}, 96, 64, 9u);
     EXPECT_LT(worst, 1.5f);
     EXPECT_GT(worst, 0.0f);
 }

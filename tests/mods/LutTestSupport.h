@@ -1,4 +1,5 @@
 #pragma once
+#include "tests/core/TestSelectors.h"
 #include "core/ImageMod.h"
 #include "core/ImageModSelector.h"
 
@@ -87,21 +88,6 @@ void fillRandom(Image& img, uint32_t seed, float lo = 0.0f, float hi = 255.0f)
     for (int64_t i = 0; i < img.sampleCount(); ++i)
         img.data[i] = typename Image::SampleType(dist(rng));
 }
-
-// A mask that is 1 on the left half of the image and 0 on the right.
-class LutTestLeftHalfMask : public ImageModSelector {
-public:
-    LutTestLeftHalfMask() : ImageModSelector("Test Left Half") {}
-    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<LutTestLeftHalfMask>(); }
-    float maskValue(const FlexImageFloat* img, int32_t x, int32_t, const ReferenceFrame*) const override
-    {
-        return x < img->width / 2 ? 1.0f : 0.0f;
-    }
-    float maskValue(const FlexImage8* img, int32_t x, int32_t, const ReferenceFrame*) const override
-    {
-        return x < img->width / 2 ? 1.0f : 0.0f;
-    }
-};
 
 // smoothFn as a tile, per pixel at float depth, with rule B masking of its strength.
 class LutTestSmoothMod : public ImageMod {

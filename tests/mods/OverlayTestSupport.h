@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <utility>
 
 // Test pictures for the overlay tiles, handed out by a stand-in decoder instead of files:
 //  - a built-in border's path gets a frame of its own size: opaque red outside the photo's window,
@@ -52,6 +53,17 @@ inline bool overlayTestDecoder(const std::string& path, FlexImage8& rgba, std::s
     }
     message = "The file " + path + " was not found.";
     return false;
+}
+
+// Width and height as one value, so a size compares in one line.
+template <typename Sized>
+std::pair<int32_t, int32_t> wh(const Sized& s)
+{
+    return { s.width, s.height };
+}
+inline std::pair<int32_t, int32_t> wh(int32_t w, int32_t h)
+{
+    return { w, h };
 }
 
 // Smooth picture with some edges, the kind a preview comparison is fair on.

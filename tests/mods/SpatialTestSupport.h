@@ -1,4 +1,5 @@
 #pragma once
+#include "tests/core/TestSelectors.h"
 #include "core/FlexImage.h"
 #include "core/ImageMod.h"
 #include "core/ImageModApplyContext.h"
@@ -14,25 +15,6 @@ namespace spatialtest
 {
 
 // Shared fixtures of the spatial and film tests.
-
-// Mask 1 on the left half, 0 on the right, from the position alone.
-class SpatialTestHalfMask : public ImageModSelector
-{
-public:
-    SpatialTestHalfMask()
-        : ImageModSelector("Spatial Test Half")
-    {
-    }
-    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<SpatialTestHalfMask>(); }
-    float maskValue(const FlexImageFloat* img, int32_t x, int32_t, const ReferenceFrame*) const override
-    {
-        return x < img->width / 2 ? 1.0f : 0.0f;
-    }
-    float maskValue(const FlexImage8* img, int32_t x, int32_t, const ReferenceFrame*) const override
-    {
-        return x < img->width / 2 ? 1.0f : 0.0f;
-    }
-};
 
 // A photo-like test picture at any size, the same scene at every size: soft gradients, a few
 // hard-edged shapes and some texture, all placed in frame-relative coordinates.
@@ -149,23 +131,30 @@ template <typename Sample> const FlexImageT<Sample>& sceneAt(int32_t divisor)
     return divisor == 1 ? full : quarter;
 }
 
-// Renders `mod` on the 2400 x 1600 scene at full size (no frame) and on the quarter-size copy with
-// a whole-image frame of scale 4 (document pixels per working pixel, as the driver fills it), and
-// returns the PSNR of the full result boxed down against the quarter render.
-template <typename Sample> double previewAgreement(ImageMod& mod)
+// Renders `mod` on the 2400 x 1600 scene at full size (no frame), boxed down to a quarter into
+// `fullDown`, and on the quarter-size copy with a whole-image frame of scale 4 (document pixels per
+// working pixel, as the driver fills it) into `preview`.
+template <typename Sample>
+void renderFullAndPreview(ImageMod& mod, int32_t pass, FlexImageT<Sample>& fullDown, FlexImageT<Sample>& preview)
 {
-    FlexImageT<Sample> full, quarter;
+    FlexImageT<Sample> full;
     full.copyFrom(sceneAt<Sample>(1), true);
-    quarter.copyFrom(sceneAt<Sample>(4), true);
+    preview.copyFrom(sceneAt<Sample>(4), true);
     mod.apply(&full, nullptr);
-    ReferenceFrame frame = wholeFrame(quarter.width, quarter.height, 4.0f);
+    ReferenceFrame frame = wholeFrame(preview.width, preview.height, 4.0f);
     ImageModApplyContext ctx;
     ctx.referenceFrame = &frame;
-    ctx.pass = -1;
-    mod.apply(&quarter, &ctx);
-    FlexImageT<Sample> fullDown;
+    ctx.pass = pass;
+    mod.apply(&preview, &ctx);
     boxDown(full, fullDown, 4);
-    return psnr(fullDown, quarter);
+}
+
+// PSNR of the boxed-down full render against the preview.
+template <typename Sample> double previewAgreement(ImageMod& mod)
+{
+    FlexImageT<Sample> fullDown, preview;
+    renderFullAndPreview(mod, -1, fullDown, preview);
+    return psnr(fullDown, preview);
 }
 
 } // namespace spatialtest

@@ -1,6 +1,7 @@
 #include "mods/ImageModStuckPixel.h"
 
 #include "core/ImageModSelector.h"
+#include "tests/core/TestSelectors.h"
 #include "core/ImageModVariableDataPixel.h"
 
 #include <gtest/gtest.h>
@@ -58,73 +59,44 @@ int countChanged(const Image& a, const Image& b)
     return n;
 }
 
-class ConstMask : public ImageModSelector {
-public:
-    explicit ConstMask(float v) : ImageModSelector("Const"), value(v) {}
-    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<ConstMask>(value); }
-    float maskValue(const FlexImageFloat*, int32_t, int32_t, const ReferenceFrame*) const override { return value; }
-    float maskValue(const FlexImage8*, int32_t, int32_t, const ReferenceFrame*) const override { return value; }
-    float value;
-};
-
 } // namespace
 
-TEST(StuckPixel, FullSizeTakesTheMeanOfTheEightNeighbours)
+TEST(StuckPixel, TheSpotsWorkingPixelsTakeTheMeanOfTheRingAround)
 {
-    FlexImageFloat img(20, 15, 3);
-    fillRamp(img);
-    img.row(6)[9 * 3 + 1] = 255.0f;
-    FlexImageFloat before(0, 0, 3);
-    before.copyFrom(img, true);
-    ImageModStuckPixel mod;
-    setSpot(mod, 9.0f, 6.0f);
-    mod.apply(&img, nullptr);
-    for (int32_t c = 0; c < 3; ++c)
-        EXPECT_NEAR(px(img, 9, 6, c), ringMean(before, 9, 6, 9, 6, c), 1e-4);
-    EXPECT_EQ(countChanged(img, before), 3);
-}
-
-TEST(StuckPixel, CornerUsesTheNeighboursThatExist)
-{
-    FlexImageFloat img(5, 5, 3);
-    fillRamp(img);
-    FlexImageFloat before(0, 0, 3);
-    before.copyFrom(img, true);
-    ImageModStuckPixel mod;
-    setSpot(mod, 4.0f, 4.0f);
-    mod.apply(&img, nullptr);
-    EXPECT_NEAR(px(img, 4, 4), (px(before, 3, 3) + px(before, 4, 3) + px(before, 3, 4)) / 3.0, 1e-4);
-}
-
-TEST(StuckPixel, ReducedImageHitsTheWorkingPixelThatHoldsTheSpot)
-{
-    FlexImageFloat img(50, 40, 3);
-    fillRamp(img);
-    img.scale = 4.0f;
-    FlexImageFloat before(0, 0, 3);
-    before.copyFrom(img, true);
-    ImageModStuckPixel mod;
-    setSpot(mod, 103.0f, 61.0f);   // working (25.75, 15.25) -> pixel (25, 15)
-    mod.apply(&img, nullptr);
-    EXPECT_NEAR(px(img, 25, 15), ringMean(before, 25, 15, 25, 15, 0), 1e-4);
-    EXPECT_EQ(countChanged(img, before), 3);
-}
-
-TEST(StuckPixel, EnlargedImageReplacesTheWholeBlock)
-{
-    FlexImageFloat img(40, 40, 3);
-    fillRamp(img);
-    img.scale = 0.5f;   // each document pixel is 2 x 2 working pixels
-    FlexImageFloat before(0, 0, 3);
-    before.copyFrom(img, true);
-    ImageModStuckPixel mod;
-    setSpot(mod, 10.0f, 7.0f);
-    mod.apply(&img, nullptr);
-    const double mean = ringMean(before, 20, 14, 21, 15, 2);
-    for (int32_t y : {14, 15})
-        for (int32_t x : {20, 21})
-            EXPECT_NEAR(px(img, x, y, 2), mean, 1e-4);
-    EXPECT_EQ(countChanged(img, before), 12);
+    // A reduced image hits the working pixel that holds the spot; an enlarged one replaces the whole
+    // block the document pixel covers; a corner uses the neighbours that exist.
+    const struct {
+        const char* what;
+        int32_t w, h;
+        float scale, spotX, spotY;
+        int32_t x0, y0, x1, y1;
+    } cases[] = {
+        { "full size", 20, 15, 1.0f, 9.0f, 6.0f, 9, 6, 9, 6 },
+        { "corner", 5, 5, 1.0f, 4.0f, 4.0f, 4, 4, 4, 4 },
+        { "reduced", 50, 40, 4.0f, 103.0f, 61.0f, 25, 15, 25, 15 }, // working (25.75, 15.25)
+        { "enlarged", 40, 40, 0.5f, 10.0f, 7.0f, 20, 14, 21, 15 },  // 2 x 2 working pixels each
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        FlexImageFloat img(c.w, c.h, 3);
+        fillRamp(img);
+        img.scale = c.scale;
+        for (int32_t y = c.y0; y <= c.y1; ++y)
+            for (int32_t x = c.x0; x <= c.x1; ++x)
+                img.row(y)[x * 3 + 1] = 255.0f; // stuck green
+        FlexImageFloat before(0, 0, 3);
+        before.copyFrom(img, true);
+        ImageModStuckPixel mod;
+        setSpot(mod, c.spotX, c.spotY);
+        mod.apply(&img, nullptr);
+        for (int32_t ch = 0; ch < 3; ++ch) {
+            const double mean = ringMean(before, c.x0, c.y0, c.x1, c.y1, ch);
+            for (int32_t y = c.y0; y <= c.y1; ++y)
+                for (int32_t x = c.x0; x <= c.x1; ++x)
+                    EXPECT_NEAR(px(img, x, y, ch), mean, 1e-4) << x << "," << y << " channel " << ch;
+        }
+        EXPECT_EQ(countChanged(img, before), 3 * (c.x1 - c.x0 + 1) * (c.y1 - c.y0 + 1));
+    }
 }
 
 TEST(StuckPixel, FrameScaleMarginsAndOriginPlaceTheSpot)
@@ -167,7 +139,7 @@ TEST(StuckPixel, NoSpotNoChangeAndAMaskDims)
     EXPECT_EQ(countChanged(img, before), 0);
 
     setSpot(mod, 4.0f, 4.0f);
-    ConstMask half(0.5f);
+    TestSelectorConst half(0.5f);
     ImageModApplyContext ctx;
     ctx.selector = &half;
     mod.apply(&img, &ctx);

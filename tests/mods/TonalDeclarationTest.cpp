@@ -75,37 +75,6 @@ TEST(TonalDeclarations, NamesVariablesVersionsAndAnimators)
     }
 }
 
-TEST(TonalDeclarations, AmountRangesAndLabels)
-{
-    ImageModSaturation saturation;
-    const ImageModVariableData* amount = saturation.variableAt(0)->data.get();
-    EXPECT_EQ(amount->value, 1.0f);
-    EXPECT_EQ(amount->hardMin, 0.0f);
-    EXPECT_EQ(amount->hardMax, 2.0f);
-    EXPECT_EQ(amount->scaleMin, 0.0f);
-    EXPECT_EQ(amount->scaleMax, 100.0f);
-
-    ImageModLuminanceContrast luminanceContrast;
-    EXPECT_EQ(luminanceContrast.variableAt(1)->label(), "Contrast Origin");
-    EXPECT_EQ(luminanceContrast.floatValue(1), 90.0f);
-    EXPECT_EQ(luminanceContrast.variableAt(1)->data->hardMax, 255.0f);
-    ImageModContrastAndSaturation contrastSaturation;
-    EXPECT_EQ(contrastSaturation.variableAt(1)->label(), "Brightness Origin");
-    ImageModAdvancedContrast advanced;
-    EXPECT_EQ(advanced.variableAt(2)->currentLabel(), "RGB");
-
-    ImageModMultiTool multi;
-    for (int32_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(multi.floatValue(i), 50.0f);
-        EXPECT_EQ(multi.variableAt(i)->data->hardMax, 100.0f);
-    }
-    // The exposure tiles expose their first variable as Amount.
-    ImageModExposure exposure;
-    ImageModGammaLegacy gamma;
-    EXPECT_EQ(exposure.amountVariable(), exposure.variableAt(0));
-    EXPECT_EQ(gamma.amountVariable(), gamma.variableAt(0));
-}
-
 TEST(TonalDeclarations, ContrastVersionSwapsCenterAndToolTip)
 {
     ImageModContrast contrast;

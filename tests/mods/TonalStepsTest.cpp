@@ -1,4 +1,5 @@
 #include "mods/TonalSteps.h"
+#include "tests/mods/CurveTestHelpers.h"
 
 #include <gtest/gtest.h>
 
@@ -28,25 +29,17 @@ TEST(TonalSteps, LuminanceSettingScalesTowardsBlackOrWhite)
     // Y of (100, 50, 20) is 61.53.
     float down[3] = {100.0f, 50.0f, 20.0f};
     setLuminance(down, 3, 61.53f, 40.0f);
-    EXPECT_NEAR(down[0], 65.008939f, 1e-3f);
-    EXPECT_NEAR(down[1], 32.504469f, 1e-3f);
-    EXPECT_NEAR(down[2], 13.001788f, 1e-3f);
+    EXPECT_PIXEL_NEAR(down, 65.008939f, 32.504469f, 13.001788f, 1e-3f);
     float up[3] = {100.0f, 50.0f, 20.0f};
     setLuminance(up, 3, 61.53f, 200.0f);
-    EXPECT_NEAR(up[0], 210.936321f, 1e-3f);
-    EXPECT_NEAR(up[1], 196.722231f, 1e-3f);
-    EXPECT_NEAR(up[2], 188.193777f, 1e-3f);
+    EXPECT_PIXEL_NEAR(up, 210.936321f, 196.722231f, 188.193777f, 1e-3f);
 
     uint8_t down8[3] = {100, 50, 20};
     setLuminance8(down8, 3, pixelLuminance8(down8, 3), 40.0f);
-    EXPECT_EQ(down8[0], 65);
-    EXPECT_EQ(down8[1], 32);
-    EXPECT_EQ(down8[2], 13);
+    EXPECT_PIXEL_NEAR(down8, 65, 32, 13, 0);
     uint8_t up8[3] = {100, 50, 20};
     setLuminance(up8, 3, pixelLuminance(up8, 3), 200.0f);
-    EXPECT_EQ(up8[0], 210);
-    EXPECT_EQ(up8[1], 196);
-    EXPECT_EQ(up8[2], 188);
+    EXPECT_PIXEL_NEAR(up8, 210, 196, 188, 0);
 }
 
 TEST(TonalSteps, LuminanceSettingOnBlackOrWhiteWritesTargetEverywhere)
@@ -57,9 +50,7 @@ TEST(TonalSteps, LuminanceSettingOnBlackOrWhiteWritesTargetEverywhere)
     EXPECT_EQ(black[2], 77.5f);
     uint8_t white[3] = {255, 255, 255};
     setLuminance8(white, 3, 255.0f, 100.9f);
-    EXPECT_EQ(white[0], 100);
-    EXPECT_EQ(white[1], 100);
-    EXPECT_EQ(white[2], 100);
+    EXPECT_PIXEL_NEAR(white, 100, 100, 100, 0);
     // Only the colour channels move; the fourth sample is alpha.
     float rgba[4] = {10.0f, 20.0f, 30.0f, 255.0f};
     setLuminance(rgba, 3, luminance(10.0f, 20.0f, 30.0f), 0.0f);
@@ -82,9 +73,7 @@ TEST(TonalSteps, LegacySaturationAnchorsOnLinearLuminanceAndClamps)
     EXPECT_EQ(loud[2], 0.0f);
     uint8_t half[3] = {200, 100, 50};
     legacySaturate8(half, 3, 3, 0.5f);
-    EXPECT_EQ(half[0], 162);
-    EXPECT_EQ(half[1], 112);
-    EXPECT_EQ(half[2], 87);
+    EXPECT_PIXEL_NEAR(half, 162, 112, 87, 0);
     // A grey image anchors on its one channel, so nothing moves.
     float single[1] = {42.0f};
     legacySaturate(single, 1, 1, 1.8f);
