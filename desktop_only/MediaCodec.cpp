@@ -11,6 +11,9 @@
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <exiv2/exiv2.hpp>
+#include <exiv2/matroskavideo.hpp>
+#include <exiv2/quicktimevideo.hpp>
+#include <exiv2/riffvideo.hpp>
 #include <lcms2.h>
 
 #include <algorithm>
@@ -325,9 +328,23 @@ MediaCodecStatus decodePixels(const std::string& path, MediaDecoded& out)
     return MediaCodecStatus::Ok;
 }
 
+constexpr int kAsfType = 24;
+
 std::unique_ptr<MediaProperties> readProperties(const std::string& path, int64_t& width, int64_t& height)
 {
     quietExiv2();
+    // The metadata reader takes a photo in a movie-style box container (HEIC) for a movie, finds
+    // no photo metadata there, and can spend minutes on a damaged box size: leave such files to
+    // the decoder.
+    switch (Exiv2::ImageFactory::getType(path)) {
+    case Exiv2::ImageType::qtime:
+    case Exiv2::ImageType::riff:
+    case Exiv2::ImageType::mkv:
+    case kAsfType: // its header does not compile on its own
+        return nullptr;
+    default:
+        break;
+    }
     auto image = Exiv2::ImageFactory::open(path);
     if (!image.get())
         return nullptr;
