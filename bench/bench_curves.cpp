@@ -102,6 +102,10 @@ static void BM_Baseline(benchmark::State& state)
 }
 BENCHMARK(BM_Baseline)->Unit(benchmark::kMillisecond)->UseRealTime();
 
+#define ONE_CURVE_BENCH(NAME, MOD, POINTS)                                                                             \
+    static void BM_##NAME(benchmark::State& state) { runOneCurve<MOD>(state, POINTS); }                               \
+    BENCHMARK(BM_##NAME)->Unit(benchmark::kMillisecond)->UseRealTime();
+
 static void BM_ToneCurve(benchmark::State& state)
 {
     ImageModToneCurve mod;
@@ -111,17 +115,9 @@ static void BM_ToneCurve(benchmark::State& state)
 }
 BENCHMARK(BM_ToneCurve)->Arg(0)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-static void BM_LuminanceCurve(benchmark::State& state)
-{
-    runOneCurve<ImageModLuminanceCurve>(state, kSCurve);
-}
-BENCHMARK(BM_LuminanceCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(LuminanceCurve, ImageModLuminanceCurve, kSCurve)
 
-static void BM_RGBCombinedCurve(benchmark::State& state)
-{
-    runOneCurve<ImageModRGBCombinedCurve>(state, kSCurve);
-}
-BENCHMARK(BM_RGBCombinedCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(RGBCombinedCurve, ImageModRGBCombinedCurve, kSCurve)
 
 static void BM_RGBCurves(benchmark::State& state)
 {
@@ -133,11 +129,7 @@ static void BM_RGBCurves(benchmark::State& state)
 }
 BENCHMARK(BM_RGBCurves)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-static void BM_ComponentCurve(benchmark::State& state)
-{
-    runOneCurve<ImageModComponentCurve>(state, kSCurve);
-}
-BENCHMARK(BM_ComponentCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(ComponentCurve, ImageModComponentCurve, kSCurve)
 
 static void BM_LabCurves(benchmark::State& state)
 {
@@ -148,17 +140,9 @@ static void BM_LabCurves(benchmark::State& state)
 }
 BENCHMARK(BM_LabCurves)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-static void BM_ExposureCurve(benchmark::State& state)
-{
-    runOneCurve<ImageModExposureCurve>(state, "0 .7 .5 .5 1 .3");
-}
-BENCHMARK(BM_ExposureCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(ExposureCurve, ImageModExposureCurve, "0 .7 .5 .5 1 .3")
 
-static void BM_SaturationCurve(benchmark::State& state)
-{
-    runOneCurve<ImageModSaturationCurve>(state, kHueCurve);
-}
-BENCHMARK(BM_SaturationCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(SaturationCurve, ImageModSaturationCurve, kHueCurve)
 
 static void BM_HueBrightness(benchmark::State& state)
 {
@@ -169,8 +153,4 @@ static void BM_HueBrightness(benchmark::State& state)
 }
 BENCHMARK(BM_HueBrightness)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-static void BM_HueShift(benchmark::State& state)
-{
-    runOneCurve<ImageModHueShift>(state, kHueCurve);
-}
-BENCHMARK(BM_HueShift)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(HueShift, ImageModHueShift, kHueCurve)
