@@ -1,8 +1,6 @@
-#include "core/ColorMath.h"
-#include "core/FlexImage.h"
 #include "core/ImageModVariableDataChoice.h"
 #include "core/ImageModVariableDataColor.h"
-#include "core/ParallelFor.h"
+#include "bench/BenchSupport.h"
 #include "mods/ChannelMixerMods.h"
 #include "mods/ColorCastMods.h"
 #include "mods/ColorizeCurveMods.h"
@@ -21,18 +19,6 @@
 
 namespace {
 
-constexpr int32_t kWidth = 6000;
-constexpr int32_t kHeight = 4000;
-
-// A varied image with every page touched before timing.
-void fill(FlexImageFloat& img)
-{
-    float* p = img.data;
-    const int64_t n = img.sampleCount();
-    for (int64_t i = 0; i < n; ++i)
-        p[i] = float((i * 37) % 256);
-}
-
 void setColour(ImageMod& m, int32_t i, float r, float g, float b, float a = 255.0f)
 {
     ImageModVariableDataColor* c = m.variableAt(i)->asColor();
@@ -44,8 +30,8 @@ void setColour(ImageMod& m, int32_t i, float r, float g, float b, float a = 255.
 
 void runMod(benchmark::State& state, const std::function<std::unique_ptr<ImageMod>()>& make)
 {
-    FlexImageFloat img(kWidth, kHeight, 3);
-    fill(img);
+    FlexImageFloat img(kBenchWidth, kBenchHeight, 3);
+    fillStriped(img);
     std::unique_ptr<ImageMod> mod = make();
     for (auto _ : state) {
         mod->apply(&img, nullptr);
@@ -62,28 +48,13 @@ std::unique_ptr<ImageMod> amountAndColour(float amount, float r, float g, float 
     return m;
 }
 
-static inline void luminanceToAllChannels(float* p)
-{
-    const float y = luminance(p[0], p[1], p[2]);
-    p[0] = y;
-    p[1] = y;
-    p[2] = y;
-}
-
 } // namespace
 
 static void BM_PlainPerPixel(benchmark::State& state)
 {
-    FlexImageFloat img(kWidth, kHeight, 3);
-    fill(img);
-    for (auto _ : state) {
-        parallelFor(img.height, [&](int32_t y) {
-            float* p = img.row(y);
-            for (int32_t x = 0; x < img.width; ++x)
-                luminanceToAllChannels(p + 3 * x);
-        });
-        benchmark::ClobberMemory();
-    }
+    FlexImageFloat img(kBenchWidth, kBenchHeight, 3);
+    fillStriped(img);
+    runLuminancePass(state, img);
 }
 BENCHMARK(BM_PlainPerPixel)->Unit(benchmark::kMillisecond)->UseRealTime();
 

@@ -1,10 +1,8 @@
 // Curve and hue-region tiles on a 6000 x 4000 float RGB image with a typical non-neutral setting,
 // next to the plain per-pixel luminance pass as the baseline. Compare each time with BM_Baseline.
-#include "core/ColorMath.h"
-#include "core/FlexImage.h"
+#include "bench/BenchSupport.h"
 #include "core/ImageModVariableDataChoice.h"
 #include "core/ImageModVariableDataCurve.h"
-#include "core/ParallelFor.h"
 #include "mods/ImageModComponentCurve.h"
 #include "mods/ImageModExposureCurve.h"
 #include "mods/ImageModHueBrightness.h"
@@ -22,9 +20,6 @@
 
 namespace {
 
-constexpr int32_t kWidth = 6000;
-constexpr int32_t kHeight = 4000;
-
 // A photo-like spread of colours, every page written before timing.
 void fillSource(FlexImageFloat& img)
 {
@@ -40,7 +35,7 @@ void fillSource(FlexImageFloat& img)
 
 FlexImageFloat& source()
 {
-    static FlexImageFloat img(kWidth, kHeight, 3);
+    static FlexImageFloat img(kBenchWidth, kBenchHeight, 3);
     static bool filled = false;
     if (!filled) {
         fillSource(img);
@@ -67,7 +62,7 @@ void setCurvePoints(ImageMod& mod, int32_t index, const char* points, float hueO
 // Times apply only; the image is put back between runs so every run sees the same pixels.
 void runMod(benchmark::State& state, ImageMod& mod)
 {
-    FlexImageFloat img(kWidth, kHeight, 3);
+    FlexImageFloat img(kBenchWidth, kBenchHeight, 3);
     restore(img);
     for (auto _ : state) {
         state.PauseTiming();
@@ -78,6 +73,15 @@ void runMod(benchmark::State& state, ImageMod& mod)
     }
 }
 
+// The tiles whose one curve is variable 1.
+template <typename Mod>
+void runOneCurve(benchmark::State& state, const char* points)
+{
+    Mod mod;
+    setCurvePoints(mod, 1, points);
+    runMod(state, mod);
+}
+
 const char* kSCurve = "0 0 .25 .18 .5 .5 .75 .82 1 1";
 const char* kHueCurve = "0 .8 .25 .5 .5 .3 .75 .5 1 .8";
 
@@ -86,25 +90,21 @@ const char* kHueCurve = "0 .8 .25 .5 .5 .3 .75 .5 1 .8";
 // Baseline: linear luminance written into all three channels, in place, row-parallel.
 static void BM_Baseline(benchmark::State& state)
 {
-    FlexImageFloat img(kWidth, kHeight, 3);
+    FlexImageFloat img(kBenchWidth, kBenchHeight, 3);
     restore(img);
     for (auto _ : state) {
         state.PauseTiming();
         restore(img);
         state.ResumeTiming();
-        parallelFor(img.height, [&](int32_t y) {
-            float* p = img.row(y);
-            for (int32_t x = 0; x < img.width; ++x, p += 3) {
-                const float v = luminance(p[0], p[1], p[2]);
-                p[0] = v;
-                p[1] = v;
-                p[2] = v;
-            }
-        });
+        luminancePass(img);
         benchmark::ClobberMemory();
     }
 }
 BENCHMARK(BM_Baseline)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+#define ONE_CURVE_BENCH(NAME, MOD, POINTS)                                                                             \
+    static void BM_##NAME(benchmark::State& state) { runOneCurve<MOD>(state, POINTS); }                               \
+    BENCHMARK(BM_##NAME)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 static void BM_ToneCurve(benchmark::State& state)
 {
@@ -115,21 +115,9 @@ static void BM_ToneCurve(benchmark::State& state)
 }
 BENCHMARK(BM_ToneCurve)->Arg(0)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-static void BM_LuminanceCurve(benchmark::State& state)
-{
-    ImageModLuminanceCurve mod;
-    setCurvePoints(mod, 1, kSCurve);
-    runMod(state, mod);
-}
-BENCHMARK(BM_LuminanceCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(LuminanceCurve, ImageModLuminanceCurve, kSCurve)
 
-static void BM_RGBCombinedCurve(benchmark::State& state)
-{
-    ImageModRGBCombinedCurve mod;
-    setCurvePoints(mod, 1, kSCurve);
-    runMod(state, mod);
-}
-BENCHMARK(BM_RGBCombinedCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(RGBCombinedCurve, ImageModRGBCombinedCurve, kSCurve)
 
 static void BM_RGBCurves(benchmark::State& state)
 {
@@ -141,13 +129,7 @@ static void BM_RGBCurves(benchmark::State& state)
 }
 BENCHMARK(BM_RGBCurves)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-static void BM_ComponentCurve(benchmark::State& state)
-{
-    ImageModComponentCurve mod;
-    setCurvePoints(mod, 1, kSCurve);
-    runMod(state, mod);
-}
-BENCHMARK(BM_ComponentCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(ComponentCurve, ImageModComponentCurve, kSCurve)
 
 static void BM_LabCurves(benchmark::State& state)
 {
@@ -158,21 +140,9 @@ static void BM_LabCurves(benchmark::State& state)
 }
 BENCHMARK(BM_LabCurves)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-static void BM_ExposureCurve(benchmark::State& state)
-{
-    ImageModExposureCurve mod;
-    setCurvePoints(mod, 1, "0 .7 .5 .5 1 .3");
-    runMod(state, mod);
-}
-BENCHMARK(BM_ExposureCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(ExposureCurve, ImageModExposureCurve, "0 .7 .5 .5 1 .3")
 
-static void BM_SaturationCurve(benchmark::State& state)
-{
-    ImageModSaturationCurve mod;
-    setCurvePoints(mod, 1, kHueCurve);
-    runMod(state, mod);
-}
-BENCHMARK(BM_SaturationCurve)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(SaturationCurve, ImageModSaturationCurve, kHueCurve)
 
 static void BM_HueBrightness(benchmark::State& state)
 {
@@ -183,10 +153,4 @@ static void BM_HueBrightness(benchmark::State& state)
 }
 BENCHMARK(BM_HueBrightness)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-static void BM_HueShift(benchmark::State& state)
-{
-    ImageModHueShift mod;
-    setCurvePoints(mod, 1, kHueCurve);
-    runMod(state, mod);
-}
-BENCHMARK(BM_HueShift)->Unit(benchmark::kMillisecond)->UseRealTime();
+ONE_CURVE_BENCH(HueShift, ImageModHueShift, kHueCurve)

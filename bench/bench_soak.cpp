@@ -2,17 +2,10 @@
 // new value of the last tile, with the event loop drained between them as the window does. The
 // counters give the resident size after the warm-up (the first 100 passes) and at the end.
 // bench/long-run.sh runs it and prints the growth.
-#include "core/ImageMod.h"
-#include "core/ImageModVariable.h"
+#include "bench/ViewportBenchSupport.h"
 #include "desktop_only/MediaLoading.h"
 #include "document/MVMediaWidget.h"
-#include "mods/ImageModBrightness.h"
-#include "mods/ImageModContrast.h"
-#include "mods/ImageModExposure.h"
-#include "mods/ImageModSaturation.h"
-#include "mods/ImageModToneCurve.h"
 
-#include <QtWidgets/QApplication>
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -23,18 +16,6 @@
 #include <vector>
 
 namespace {
-
-QApplication* application()
-{
-    static int argc = 1;
-    static char name[] = "bench_soak";
-    static char* argv[] = {name, nullptr};
-    static QApplication* app = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        return new QApplication(argc, argv);
-    }();
-    return app;
-}
 
 double residentMegabytes()
 {
@@ -59,7 +40,7 @@ void settle(MVMediaWidget& w)
 
 void BM_ViewportSoak(benchmark::State& state)
 {
-    application();
+    offscreenApplication("bench_soak");
     const char* photoPath = std::getenv("VANTREL_SOAK_PHOTO");
     auto* photo = new FlexImageFloat(100, 100, 4);
     if (!LoadMediaFile(*photo, photoPath ? photoPath : VANTREL_TESTDATA "/olympus_em1_forest_1920x1080.jpg", nullptr)) {
@@ -73,21 +54,15 @@ void BM_ViewportSoak(benchmark::State& state)
     w.setSource(photo);
     settle(w);
 
-    ImageModExposure exposure(1.2f);
-    ImageModContrast contrast(ImageModContrast::newestVersion, 1.1f);
-    ImageModSaturation saturation(ImageModSaturation::newestVersion, 1.2f);
-    ImageModToneCurve curve;
-    ImageModBrightness brightness(1.1f);
-    ImageModContrast dragged(ImageModContrast::newestVersion, 1.0f);
-    const std::vector<ImageMod*> list = {&exposure, &brightness, &saturation, &curve, &dragged};
+    SliderSession session;
 
     double warm = 0.0;
     double peak = 0.0;
     for (auto _ : state) {
         for (int i = 0; i < passes; ++i) {
-            dragged.variableAt(0)->setFloatValue(0.8f + 0.01f * float(i % 40));
+            session.dragTo(i);
             const int before = w.finishedPasses();
-            w.setMods(list);
+            w.setMods(session.list);
             while (w.finishedPasses() <= before) {
                 QCoreApplication::processEvents();
                 std::this_thread::sleep_for(std::chrono::microseconds(100));

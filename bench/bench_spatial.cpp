@@ -1,7 +1,5 @@
-#include "core/ColorMath.h"
-#include "core/FlexImage.h"
 #include "core/ImageModVariableDataChoice.h"
-#include "core/ParallelFor.h"
+#include "bench/BenchSupport.h"
 #include "mods/ImageModBlur.h"
 #include "mods/ImageModGrainFast.h"
 #include "mods/ImageModSharpen.h"
@@ -11,26 +9,15 @@
 namespace
 {
 
-constexpr int32_t kWidth = 6000;
-constexpr int32_t kHeight = 4000;
-
 // A textured 6000 x 4000 RGB float picture; every page is written before timing.
 void fill(FlexImageFloat& img)
 {
-    img.resize(kWidth, kHeight, 3);
-    parallelFor(kHeight, [&](int32_t y) {
+    img.resize(kBenchWidth, kBenchHeight, 3);
+    parallelFor(kBenchHeight, [&](int32_t y) {
         float* p = img.row(y);
-        for (int32_t k = 0; k < kWidth * 3; ++k)
+        for (int32_t k = 0; k < kBenchWidth * 3; ++k)
             p[k] = float((k * 7 + y * 13) % 251);
     });
-}
-
-static inline void luminanceToAllChannels(float* p)
-{
-    const float y = luminance(p[0], p[1], p[2]);
-    p[0] = y;
-    p[1] = y;
-    p[2] = y;
 }
 
 } // namespace
@@ -40,14 +27,7 @@ static void BM_PlainPerPixel(benchmark::State& state)
 {
     FlexImageFloat img;
     fill(img);
-    for (auto _ : state) {
-        parallelFor(img.height, [&](int32_t y) {
-            float* p = img.row(y);
-            for (int32_t x = 0; x < img.width; ++x)
-                luminanceToAllChannels(p + 3 * x);
-        });
-        benchmark::ClobberMemory();
-    }
+    runLuminancePass(state, img);
 }
 BENCHMARK(BM_PlainPerPixel)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 

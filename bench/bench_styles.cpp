@@ -1,6 +1,4 @@
-#include "core/ColorMath.h"
-#include "core/FlexImage.h"
-#include "core/ParallelFor.h"
+#include "bench/BenchSupport.h"
 #include "mods/styles/CameraStyles.h"
 
 #include <benchmark/benchmark.h>
@@ -11,36 +9,25 @@
 
 namespace {
 
-constexpr int32_t kWidth = 6000;
-constexpr int32_t kHeight = 4000;
-
 template <typename Sample>
 void fill(FlexImageT<Sample>& img)
 {
     for (int32_t y = 0; y < img.height; ++y) {
         Sample* p = img.row(y);
         for (int32_t x = 0; x < img.width; ++x, p += 3) {
-            p[0] = Sample((x * 255) / kWidth);
-            p[1] = Sample((y * 255) / kHeight);
+            p[0] = Sample((x * 255) / kBenchWidth);
+            p[1] = Sample((y * 255) / kBenchHeight);
             p[2] = Sample(((x + y) * 37) % 256);
         }
     }
 }
 
-static inline void luminanceToAllChannels(float* p)
-{
-    const float y = luminance(p[0], p[1], p[2]);
-    p[0] = y;
-    p[1] = y;
-    p[2] = y;
-}
-
 template <typename Sample>
 void runSaloon(benchmark::State& state)
 {
-    FlexImageT<Sample> source(kWidth, kHeight, 3);
+    FlexImageT<Sample> source(kBenchWidth, kBenchHeight, 3);
     fill(source);
-    FlexImageT<Sample> img(kWidth, kHeight, 3);
+    FlexImageT<Sample> img(kBenchWidth, kBenchHeight, 3);
     ImageModSaloon saloon;
     saloon.variableAt(ImageModStyle::varVariation)->setFloatValue(-1234.5f);
     for (auto _ : state) {
@@ -56,16 +43,9 @@ void runSaloon(benchmark::State& state)
 
 static void BM_PlainPerPixel(benchmark::State& state)
 {
-    FlexImageFloat img(kWidth, kHeight, 3);
+    FlexImageFloat img(kBenchWidth, kBenchHeight, 3);
     fill(img);
-    for (auto _ : state) {
-        parallelFor(img.height, [&](int32_t y) {
-            float* p = img.row(y);
-            for (int32_t x = 0; x < img.width; ++x)
-                luminanceToAllChannels(p + 3 * x);
-        });
-        benchmark::ClobberMemory();
-    }
+    runLuminancePass(state, img);
 }
 BENCHMARK(BM_PlainPerPixel)->Unit(benchmark::kMillisecond)->UseRealTime();
 

@@ -1,6 +1,4 @@
-#include "core/ColorMath.h"
-#include "core/FlexImage.h"
-#include "core/ParallelFor.h"
+#include "bench/BenchSupport.h"
 #include "mods/ImageModAdvancedContrast.h"
 #include "mods/ImageModBrightness.h"
 #include "mods/ImageModContrast.h"
@@ -20,34 +18,14 @@
 
 namespace {
 
-constexpr int32_t kWidth = 6000;
-constexpr int32_t kHeight = 4000;
-
-// Writes varied values into every page before timing, so no run pays first-touch faults.
-void touch(FlexImageFloat& img, float value)
-{
-    float* p = img.data;
-    const int64_t n = img.sampleCount();
-    for (int64_t i = 0; i < n; ++i)
-        p[i] = value + float(i % 251);
-}
-
-static inline void luminanceToAllChannels(float* p)
-{
-    const float y = luminance(p[0], p[1], p[2]);
-    p[0] = y;
-    p[1] = y;
-    p[2] = y;
-}
-
 // Each run starts from the same picture (restored outside the timed part), so repeated passes
 // don't drive the values into clamps or special cases.
 void runMod(benchmark::State& state, ImageMod& mod)
 {
-    FlexImageFloat src(kWidth, kHeight, 3);
-    FlexImageFloat img(kWidth, kHeight, 3);
-    touch(src, 0.0f);
-    touch(img, 1.0f);
+    FlexImageFloat src(kBenchWidth, kBenchHeight, 3);
+    FlexImageFloat img(kBenchWidth, kBenchHeight, 3);
+    touchSamples(src, 0.0f);
+    touchSamples(img, 1.0f);
     for (auto _ : state) {
         state.PauseTiming();
         std::memcpy(img.data, src.data, sizeof(float) * size_t(src.sampleCount()));
@@ -70,32 +48,15 @@ void setAmount(Mod& mod, float a)
 // wall time does not.
 static void BM_PlainCopy(benchmark::State& state)
 {
-    FlexImageFloat src(kWidth, kHeight, 3);
-    FlexImageFloat dst(kWidth, kHeight, 3);
-    touch(src, 0.0f);
-    touch(dst, 1.0f);
-    for (auto _ : state) {
-        parallelFor(src.height, [&](int32_t y) {
-            std::memcpy(dst.row(y), src.row(y), sizeof(float) * size_t(src.width) * 3);
-        });
-        benchmark::ClobberMemory();
-    }
+    runPlainCopy(state);
 }
 BENCHMARK(BM_PlainCopy)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
 
 static void BM_Luminance(benchmark::State& state)
 {
-    FlexImageFloat img(kWidth, kHeight, 3);
-    touch(img, 0.0f);
-    for (auto _ : state) {
-        parallelFor(img.height, [&](int32_t y) {
-            float* p = img.row(y);
-            const int32_t w = img.width;
-            for (int32_t x = 0; x < w; ++x)
-                luminanceToAllChannels(p + 3 * x);
-        });
-        benchmark::ClobberMemory();
-    }
+    FlexImageFloat img(kBenchWidth, kBenchHeight, 3);
+    touchSamples(img, 0.0f);
+    runLuminancePass(state, img);
 }
 BENCHMARK(BM_Luminance)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
 

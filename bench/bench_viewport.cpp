@@ -1,18 +1,11 @@
 // A slider drag as a person makes it: the last of five tiles changes, and the time runs from the
 // hand-over of the new list to the viewport until its pass has put the picture on screen (the
 // moment displayUpdatedSignal goes out). A 24-megapixel photo fitted in a 1920 x 1080 view.
-#include "core/ImageMod.h"
-#include "core/ImageModVariable.h"
+#include "bench/ViewportBenchSupport.h"
 #include "desktop_only/MediaLoading.h"
 #include "document/MVMediaWidget.h"
 #include "document/core/ModSequenceRunner.h"
-#include "mods/ImageModBrightness.h"
-#include "mods/ImageModContrast.h"
-#include "mods/ImageModExposure.h"
-#include "mods/ImageModSaturation.h"
-#include "mods/ImageModToneCurve.h"
 
-#include <QtWidgets/QApplication>
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -23,18 +16,6 @@
 #include <vector>
 
 namespace {
-
-QApplication* application()
-{
-    static int argc = 1;
-    static char name[] = "bench_viewport";
-    static char* argv[] = {name, nullptr};
-    static QApplication* app = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        return new QApplication(argc, argv);
-    }();
-    return app;
-}
 
 // CPU time of the whole process (worker, row pool and this thread): what a pass costs the machine,
 // which holds when other work shares the cores and wall time does not.
@@ -54,7 +35,7 @@ void waitForPass(MVMediaWidget& w, int passesBefore)
 
 void BM_ViewportSliderDrag(benchmark::State& state)
 {
-    application();
+    offscreenApplication("bench_viewport");
     auto* photo = new FlexImageFloat(100, 100, 4);
     if (!LoadMediaFile(*photo, VANTREL_TESTDATA "/nikon_d5300_6000x4000.jpg", nullptr)) {
         delete photo;
@@ -67,18 +48,11 @@ void BM_ViewportSliderDrag(benchmark::State& state)
     while (w.isProcessing())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 
-    ImageModExposure exposure(1.2f);
-    ImageModContrast contrast(ImageModContrast::newestVersion, 1.1f);
-    ImageModSaturation saturation(ImageModSaturation::newestVersion, 1.2f);
-    ImageModToneCurve curve;
-    ImageModBrightness brightness(1.1f);
-    // The dragged tile is a contrast: a power pair on every colour sample.
-    ImageModContrast dragged(ImageModContrast::newestVersion, 1.0f);
-    const std::vector<ImageMod*> list = {&exposure, &brightness, &saturation, &curve, &dragged};
+    SliderSession session;
 
     // The first pass runs all five and stores the picture before the dragged tile.
     int passes = w.finishedPasses();
-    w.setMods(list);
+    w.setMods(session.list);
     waitForPass(w, passes);
     while (w.isProcessing())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -87,11 +61,11 @@ void BM_ViewportSliderDrag(benchmark::State& state)
     std::vector<double> cpuTimes;
     int step = 0;
     for (auto _ : state) {
-        dragged.variableAt(0)->setFloatValue(0.8f + 0.01f * float(step++ % 40));
+        session.dragTo(step++);
         passes = w.finishedPasses();
         const double cpuStart = processCpuMs();
         const auto start = std::chrono::steady_clock::now();
-        w.setMods(list);
+        w.setMods(session.list);
         waitForPass(w, passes);
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         state.SetIterationTime(elapsed.count());

@@ -20,6 +20,37 @@ int32_t sectorOf(float f)
     return (f >= 0.0f && f < 6.0f) ? int32_t(f) : 0;
 }
 
+// Sector 0 is red to yellow: each sector holds one channel at hi, one at lo and one moving between
+// them. HSV and HSL differ only in how they compute the four levels.
+void sectorToRgb(float sector, float hi, float rising, float falling, float lo, float& r, float& g,
+                 float& b)
+{
+    float rr, gg, bb;
+    switch (sectorOf(sector)) {
+    case 0:
+        rr = hi, gg = rising, bb = lo;
+        break;
+    case 1:
+        rr = falling, gg = hi, bb = lo;
+        break;
+    case 2:
+        rr = lo, gg = hi, bb = rising;
+        break;
+    case 3:
+        rr = lo, gg = falling, bb = hi;
+        break;
+    case 4:
+        rr = rising, gg = lo, bb = hi;
+        break;
+    default:
+        rr = hi, gg = lo, bb = falling;
+        break;
+    }
+    r = rr * 255.0f;
+    g = gg * 255.0f;
+    b = bb * 255.0f;
+}
+
 constexpr double kD65X = 0.950456;
 constexpr double kD65Z = 1.088754;
 constexpr double kLabEpsilon = 0.008856;
@@ -87,30 +118,7 @@ void hsvToRgb(float h, float s, float v, float& r, float& g, float& b)
     const float p = (1.0f - s) * v;
     const float qq = (1.0f - q * s) * v;
     const float t = (1.0f - (1.0f - q) * s) * v;
-    float rr, gg, bb;
-    switch (sectorOf(f)) {
-    case 0:
-        rr = v, gg = t, bb = p;
-        break;
-    case 1:
-        rr = qq, gg = v, bb = p;
-        break;
-    case 2:
-        rr = p, gg = v, bb = t;
-        break;
-    case 3:
-        rr = p, gg = qq, bb = v;
-        break;
-    case 4:
-        rr = t, gg = p, bb = v;
-        break;
-    default:
-        rr = v, gg = p, bb = qq;
-        break;
-    }
-    r = rr * 255.0f;
-    g = gg * 255.0f;
-    b = bb * 255.0f;
+    sectorToRgb(f, v, t, qq, p, r, g, b);
 }
 
 ColorRGB setSaturation(ColorRGB rgb, float s)
@@ -182,30 +190,7 @@ void hslToRgb(float h, float s, float l, float& r, float& g, float& b)
     const float vsf = v * sv * fract;
     const float mid1 = m + vsf;
     const float mid2 = v - vsf;
-    float rr, gg, bb;
-    switch (sectorOf(whole)) {
-    case 0:
-        rr = v, gg = mid1, bb = m;
-        break;
-    case 1:
-        rr = mid2, gg = v, bb = m;
-        break;
-    case 2:
-        rr = m, gg = v, bb = mid1;
-        break;
-    case 3:
-        rr = m, gg = mid2, bb = v;
-        break;
-    case 4:
-        rr = mid1, gg = m, bb = v;
-        break;
-    default:
-        rr = v, gg = m, bb = mid2;
-        break;
-    }
-    r = rr * 255.0f;
-    g = gg * 255.0f;
-    b = bb * 255.0f;
+    sectorToRgb(whole, v, mid1, mid2, m, r, g, b);
 }
 
 // The matrix works on the encoded values as they are, with no gamma decoding: the look of every

@@ -61,22 +61,27 @@ float ImageModHueSelector::maskForColor(const std::vector<int32_t>& selected, fl
     return m;
 }
 
-float ImageModHueSelector::maskValue(const FlexImageFloat* image, int32_t x, int32_t y, const ReferenceFrame*) const
+namespace {
+
+template <typename Sample>
+float hueMask(const ImageModHueSelector& selector, const FlexImageT<Sample>* image, int32_t x, int32_t y)
 {
-    const ImageModVariableDataMultiChoice* hue = multiChoiceAt(0);
+    const ImageModVariableDataMultiChoice* hue = selector.multiChoiceAt(0);
     if (!hue || !image || !image->data)
         return 0.0f;
     float r, g, b;
     selectorRgb(image, x, y, r, g, b);
-    return maskForColor(hue->selected, r, g, b);
+    return selector.maskForColor(hue->selected, r, g, b);
+}
+
+} // namespace
+
+float ImageModHueSelector::maskValue(const FlexImageFloat* image, int32_t x, int32_t y, const ReferenceFrame*) const
+{
+    return hueMask(*this, image, x, y);
 }
 
 float ImageModHueSelector::maskValue(const FlexImage8* image, int32_t x, int32_t y, const ReferenceFrame*) const
 {
-    const ImageModVariableDataMultiChoice* hue = multiChoiceAt(0);
-    if (!hue || !image || !image->data)
-        return 0.0f;
-    float r, g, b;
-    selectorRgb(image, x, y, r, g, b);
-    return maskForColor(hue->selected, r, g, b);
+    return hueMask(*this, image, x, y);
 }

@@ -16,8 +16,12 @@ std::unique_ptr<ImageMod> ImageModSelectorPointerArray::newInstance() const
     return std::make_unique<ImageModSelectorPointerArray>();
 }
 
-float ImageModSelectorPointerArray::maskValue(const FlexImageFloat* image, int32_t x, int32_t y,
-                                              const ReferenceFrame* frame) const
+namespace {
+
+// The product of the members' masks; an empty array passes everything.
+template <typename Sample>
+float productMask(const std::vector<ImageModSelector*>& selectors, const FlexImageT<Sample>* image, int32_t x,
+                  int32_t y, const ReferenceFrame* frame)
 {
     float m = 1.0f;
     for (const ImageModSelector* s : selectors) {
@@ -27,13 +31,16 @@ float ImageModSelectorPointerArray::maskValue(const FlexImageFloat* image, int32
     return m;
 }
 
+} // namespace
+
+float ImageModSelectorPointerArray::maskValue(const FlexImageFloat* image, int32_t x, int32_t y,
+                                              const ReferenceFrame* frame) const
+{
+    return productMask(selectors, image, x, y, frame);
+}
+
 float ImageModSelectorPointerArray::maskValue(const FlexImage8* image, int32_t x, int32_t y,
                                               const ReferenceFrame* frame) const
 {
-    float m = 1.0f;
-    for (const ImageModSelector* s : selectors) {
-        if (s)
-            m *= s->maskValue(image, x, y, frame);
-    }
-    return m;
+    return productMask(selectors, image, x, y, frame);
 }

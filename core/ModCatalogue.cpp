@@ -256,19 +256,24 @@ const ModCatalogueRow kUnlisted[] = {
         make<ImageModLabCurves> },
 };
 
-// Label, version and tool tip come from the row where the class leaves them open; the version
-// is always the row's, since the panel offers the newest.
+// A fresh mod takes the version of its row or catalogue entry, and the label and tool tip where
+// the class leaves them open. The version goes first since some classes rename themselves by
+// version; the panel always offers the newest.
+void takeOpenFields(ImageMod& mod, int32_t version, const std::string& label, const std::string& toolTip)
+{
+    if (mod.version != version)
+        mod.setVersion(version);
+    if (mod.displayName.empty() || mod.displayName == mod.name)
+        mod.displayName = label;
+    if (mod.toolTip.empty())
+        mod.toolTip = toolTip;
+}
+
 std::unique_ptr<ImageMod> makeFromRow(const ModCatalogueRow& row)
 {
     std::unique_ptr<ImageMod> mod = row.make();
-    if (!mod)
-        return nullptr;
-    if (mod->displayName.empty() || mod->displayName == mod->name)
-        mod->displayName = row.label;
-    if (mod->toolTip.empty())
-        mod->toolTip = row.toolTip;
-    if (mod->version != row.version)
-        mod->setVersion(row.version);
+    if (mod)
+        takeOpenFields(*mod, row.version, row.label, row.toolTip);
     return mod;
 }
 
@@ -383,12 +388,7 @@ std::unique_ptr<ImageMod> createMod(const ModCatalogue& catalogue, const std::st
     std::unique_ptr<ImageMod> mod = factory->newInstance();
     if (!mod)
         return nullptr;
-    if (mod->version != factory->version)
-        mod->setVersion(factory->version);
-    if (mod->displayName.empty() || mod->displayName == mod->name)
-        mod->displayName = factory->displayName;
-    if (mod->toolTip.empty())
-        mod->toolTip = factory->toolTip;
+    takeOpenFields(*mod, factory->version, factory->displayName, factory->toolTip);
     return mod;
 }
 

@@ -96,24 +96,30 @@ bool ImageModColorTemperature::configure(float t, ImageModColorizeCurve& curve) 
     return true;
 }
 
-void ImageModColorTemperature::apply(FlexImage8* image, const ImageModApplyContext* context)
+namespace {
+
+template <typename Sample>
+void applyTemperature(const ImageModColorTemperature& mod, FlexImageT<Sample>* image,
+                      const ImageModApplyContext* context)
 {
-    const float t = floatValue(0);
+    const float t = mod.floatValue(0);
     if (t == 0.0f)
         return;
     ImageModColorizeCurve curve;
-    if (configure(t, curve))
+    if (mod.configure(t, curve))
         curve.apply(image, context);
+}
+
+} // namespace
+
+void ImageModColorTemperature::apply(FlexImage8* image, const ImageModApplyContext* context)
+{
+    applyTemperature(*this, image, context);
 }
 
 void ImageModColorTemperature::apply(FlexImageFloat* image, const ImageModApplyContext* context)
 {
-    const float t = floatValue(0);
-    if (t == 0.0f)
-        return;
-    ImageModColorizeCurve curve;
-    if (configure(t, curve))
-        curve.apply(image, context);
+    applyTemperature(*this, image, context);
 }
 
 // --- Color Wheels ---

@@ -2,7 +2,7 @@
 
 #include "core/ImageModVariableDataChoice.h"
 
-ImageModAspectRatio::ImageModAspectRatio() : ImageModSize2("Aspect Ratio", "Aspect Ratio")
+ImageModAspectRatio::ImageModAspectRatio() : ImageModSize2Pair("Aspect Ratio", "Aspect Ratio")
 {
     toolTip = "Specify the desired final aspect ratio for the output image.";
     addChoice("Aspect", {"None", "Square", "7:6", "5:4", "4:3", "7:5", "3:2", "5:3", "16:10", "16:9", "1.85:1", "2:1",
@@ -63,7 +63,7 @@ float ImageModAspectRatio::aspectValue() const
     return aspectForLabel(choice ? choice->currentLabel() : std::string(), floatValue(1));
 }
 
-void ImageModAspectRatio::computeSize(float w, float h)
+void ImageModAspectRatio::computeSize(float w, float h, float& computedWidth, float& computedHeight) const
 {
     computedWidth = w;
     computedHeight = h;
@@ -76,18 +76,4 @@ void ImageModAspectRatio::computeSize(float w, float h)
         computedHeight = w / a;
     else if (h * a < computedWidth)
         computedWidth = h * a;
-}
-
-float ImageModAspectRatio::outputHeight(float width, float height)
-{
-    std::lock_guard<std::mutex> lock(sizeMutex);
-    computeSize(width, height);
-    return computedHeight;
-}
-
-float ImageModAspectRatio::outputWidth(float width, float height)
-{
-    std::lock_guard<std::mutex> lock(sizeMutex);
-    computeSize(width, height);
-    return computedWidth;
 }

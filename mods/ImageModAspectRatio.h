@@ -1,11 +1,9 @@
 #pragma once
 #include "mods/ImageModSize2.h"
 
-#include <mutex>
-
 // Cuts the picture to the largest centred rectangle of a chosen aspect. A landscape ratio follows a
 // portrait picture, so "16:9" on a portrait gives 9:16.
-class ImageModAspectRatio : public ImageModSize2 {
+class ImageModAspectRatio : public ImageModSize2Pair {
 public:
     ImageModAspectRatio();
 
@@ -15,8 +13,6 @@ public:
     void variableChanged(int32_t index) override;
     bool consumeRefreshRequest() override;
 
-    float outputHeight(float width, float height) override;
-    float outputWidth(float width, float height) override;
     bool locksCropAspect(float) const override { return true; }
     bool cropAspectFollowsOrientation() const override { return true; }
 
@@ -27,11 +23,9 @@ public:
 
     static constexpr int32_t customIndex = 13;
 
-private:
-    void computeSize(float width, float height);
+protected:
+    void computeSize(float width, float height, float& outWidth, float& outHeight) const override;
 
-    std::mutex sizeMutex;
-    float computedWidth = 1200.0f;
-    float computedHeight = 1200.0f;
+private:
     bool refreshRequested = false;
 };

@@ -1,6 +1,7 @@
 #include "mods/ImageModBorder.h"
 
 #include "core/GrowingArray.h"
+#include "core/ImageModVariableDataColor.h"
 #include "core/ParallelFor.h"
 #include "mods/CropRotateScale.h"
 #include "mods/GeometrySampler.h"
@@ -73,6 +74,19 @@ BorderBands ImageModBorder::bands(double, double) const
 void ImageModBorder::bandColor(float rgba[4]) const
 {
     rgba[0] = rgba[1] = rgba[2] = rgba[3] = 255.0f;
+}
+
+void ImageModBorder::colorVariableBand(int32_t index, float rgba[4]) const
+{
+    const ImageModVariableDataColor* c = colorAt(index);
+    if (!c) {
+        ImageModBorder::bandColor(rgba);
+        return;
+    }
+    rgba[0] = c->red;
+    rgba[1] = c->green;
+    rgba[2] = c->blue;
+    rgba[3] = c->alpha;
 }
 
 void ImageModBorder::drawOver(FlexImageFloat&, double, double, const BorderPlacement&) {}

@@ -42,6 +42,10 @@ public:
     // reduction and where the photo landed are given. Nothing by default.
     virtual void drawOver(FlexImageFloat& destination, double pictureWidth, double pictureHeight,
                           const BorderPlacement& placement);
+
+protected:
+    // The colour variable at `index` as a band colour; the default white when there is none.
+    void colorVariableBand(int32_t index, float rgba[4]) const;
 };
 
 // Where the photo lands inside a border output of outputWidth x outputHeight, in output pixels.

@@ -100,36 +100,14 @@ void ImageModBorderFileCustom::copyFrom(const ImageMod& other)
     ImageModBorder::copyFrom(other);
     // Clones share the decoded picture instead of reading the file again.
     if (const auto* o = dynamic_cast<const ImageModBorderFileCustom*>(&other)) {
-        art = o->art;
-        artPath = o->artPath;
-        message = o->message;
+        chosen = o->chosen;
     }
-}
-
-std::string ImageModBorderFileCustom::filePath() const
-{
-    const ImageModVariableDataFile* f = fileAt(fileIndex);
-    if (!f || (f->path.size() == 1 && f->path[0] == '\0'))
-        return {};
-    return f->path;
 }
 
 void ImageModBorderFileCustom::refresh()
 {
-    const std::string path = filePath();
-    if (path == artPath && (art || !message.empty() || path.empty()))
-        return;
-    artPath = path;
-    art.reset();
-    message.clear();
-    if (!path.empty()) {
-        art = loadOverlayImage(path, message);
-        if (art)
-            message.clear();
-    }
-    toolTip = kCustomTip;
-    if (!message.empty())
-        toolTip += "\n\nThe border is not drawn: " + message;
+    if (chosen.update(fileAt(fileIndex)))
+        toolTip = chosen.toolTip(kCustomTip, "border");
 }
 
 void ImageModBorderFileCustom::variableChanged(int32_t index)
@@ -143,14 +121,14 @@ bool ImageModBorderFileCustom::drawSource(const FlexImageFloat& source, const Cr
 {
     // A filter read from a file names the picture without a change notice.
     refresh();
-    if (!art)
+    if (!chosen.art)
         return false;
     return ImageModBorder::drawSource(source, crop, destination, width, height, straighten);
 }
 
 void ImageModBorderFileCustom::drawOver(FlexImageFloat& destination, double, double, const BorderPlacement& placement)
 {
-    if (!art)
+    if (!chosen.art)
         return;
     NineSliceLayout layout;
     layout.x0 = placement.x;
@@ -158,5 +136,5 @@ void ImageModBorderFileCustom::drawOver(FlexImageFloat& destination, double, dou
     layout.x1 = placement.x + placement.width;
     layout.y1 = placement.y + placement.height;
     layout.drawCentre = true;
-    drawNineSlice(destination, *art, layout);
+    drawNineSlice(destination, *chosen.art, layout);
 }

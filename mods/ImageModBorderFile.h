@@ -48,15 +48,12 @@ public:
                   const BorderPlacement& placement) override;
 
     // Why the picture couldn't be used; empty when it could (or no file is chosen yet).
-    const std::string& loadMessage() const { return message; }
-    const OverlayImage* picture() const { return art.get(); }
+    const std::string& loadMessage() const { return chosen.message; }
+    const OverlayImage* picture() const { return chosen.art.get(); }
 
 private:
-    std::string filePath() const;
     // Reads the chosen file when it isn't the one held; sets the message and the tool tip.
     void refresh();
 
-    std::shared_ptr<const OverlayImage> art;
-    std::string artPath;
-    std::string message;
+    ChosenOverlayImage chosen;
 };

@@ -42,13 +42,5 @@ float ImageModBorderPlain::cornerRadius() const
 
 void ImageModBorderPlain::bandColor(float rgba[4]) const
 {
-    const ImageModVariableDataColor* c = colorAt(colorIndex);
-    if (!c) {
-        ImageModBorder::bandColor(rgba);
-        return;
-    }
-    rgba[0] = c->red;
-    rgba[1] = c->green;
-    rgba[2] = c->blue;
-    rgba[3] = c->alpha;
+    colorVariableBand(colorIndex, rgba);
 }

@@ -8,7 +8,7 @@ constexpr int32_t kMaxHeight = 1;
 constexpr int32_t kLongestSide = 2;
 } // namespace
 
-ImageModConstrainSize::ImageModConstrainSize() : ImageModSize2("Output Size", "Maximum Size")
+ImageModConstrainSize::ImageModConstrainSize() : ImageModSize2Pair("Output Size", "Maximum Size")
 {
     toolTip = "Specify width and height constraints for the output image.";
     version = 2;
@@ -44,7 +44,7 @@ void ImageModConstrainSize::variableChanged(int32_t index)
     }
 }
 
-void ImageModConstrainSize::computeSize(float w, float h)
+void ImageModConstrainSize::computeSize(float w, float h, float& computedWidth, float& computedHeight) const
 {
     const float maxWidth = floatValue(kMaxWidth);
     const float maxHeight = floatValue(kMaxHeight);
@@ -70,18 +70,4 @@ void ImageModConstrainSize::computeSize(float w, float h)
     }
     computedWidth = std::max(1.0f, computedWidth);
     computedHeight = std::max(1.0f, computedHeight);
-}
-
-float ImageModConstrainSize::outputHeight(float width, float height)
-{
-    std::lock_guard<std::mutex> lock(sizeMutex);
-    computeSize(width, height);
-    return computedHeight;
-}
-
-float ImageModConstrainSize::outputWidth(float width, float height)
-{
-    std::lock_guard<std::mutex> lock(sizeMutex);
-    computeSize(width, height);
-    return computedWidth;
 }

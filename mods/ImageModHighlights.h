@@ -1,15 +1,12 @@
 #pragma once
-#include "core/ImageMod.h"
-#include "core/ToneCurve.h"
+#include "mods/ImageModToneRegion.h"
 
 // Brightens or darkens the light part of the image; the counterpart of ImageModShadows.
-class ImageModHighlights : public ImageMod {
+class ImageModHighlights : public ImageModToneRegion {
 public:
     explicit ImageModHighlights(int32_t v = 1, float amount = 1.0f);
     std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<ImageModHighlights>(); }
-    void apply(FlexImage8* image, const ImageModApplyContext* context) override;
-    void apply(FlexImageFloat* image, const ImageModApplyContext* context) override;
 
-    const ToneCurve brightenCurve;
-    const ToneCurve darkenCurve;
+protected:
+    std::vector<ToneCurvePoint> amountCurvePoints(float amount) const override;
 };

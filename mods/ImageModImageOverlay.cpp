@@ -41,31 +41,14 @@ void ImageModImageOverlay::copyFrom(const ImageMod& other)
 {
     ImageMod::copyFrom(other);
     if (const auto* o = dynamic_cast<const ImageModImageOverlay*>(&other)) {
-        art = o->art;
-        artPath = o->artPath;
-        message = o->message;
+        chosen = o->chosen;
     }
 }
 
 void ImageModImageOverlay::refresh()
 {
-    const ImageModVariableDataFile* f = fileAt(fileIndex);
-    std::string path = f ? f->path : std::string();
-    if (path.size() == 1 && path[0] == '\0')
-        path.clear();
-    if (path == artPath && (art || !message.empty() || path.empty()))
-        return;
-    artPath = path;
-    art.reset();
-    message.clear();
-    if (!path.empty()) {
-        art = loadOverlayImage(path, message);
-        if (art)
-            message.clear();
-    }
-    toolTip = kTip;
-    if (!message.empty())
-        toolTip += "\n\nThe watermark is not drawn: " + message;
+    if (chosen.update(fileAt(fileIndex)))
+        toolTip = chosen.toolTip(kTip, "watermark");
 }
 
 void ImageModImageOverlay::variableChanged(int32_t index)
@@ -77,24 +60,21 @@ void ImageModImageOverlay::variableChanged(int32_t index)
 bool ImageModImageOverlay::placement(int32_t imageWidth, int32_t imageHeight, const ImageModApplyContext* context,
                                      Placement& out) const
 {
-    if (!art || imageWidth < 1 || imageHeight < 1)
+    if (!chosen.art || imageWidth < 1 || imageHeight < 1)
         return false;
-    FlexImageFloat shape;
-    shape.width = imageWidth;
-    shape.height = imageHeight;
-    const SpatialFrame frame = spatialFrameOf(shape, context);
+    const SpatialFrame frame = spatialFrameOfSize(imageWidth, imageHeight, context);
     const float size = floatValue(sizeIndex);
     if (!(size > 0.0f) || !std::isfinite(size))
         return false;
     out.width = double(std::min(size, 4.0f)) * frame.contentWidth;
-    out.height = out.width * art->height() / std::max(art->width(), 1);
+    out.height = out.width * chosen.art->height() / std::max(chosen.art->width(), 1);
     if (!(out.width >= 0.5) || !(out.height >= 0.5))
         return false;
     double cx, cy;
-    const ImageModVariableDataPixel* pos = pixelAt(positionIndex);
-    if (pos && !pos->points.empty() && !ImageModVariableDataPixel::isUnset(pos->points[0])) {
-        cx = frame.toBufferX(pos->points[0].x);
-        cy = frame.toBufferY(pos->points[0].y);
+    float px, py;
+    if (pointInBuffer(frame, pixelAt(positionIndex), px, py)) {
+        cx = px;
+        cy = py;
     } else {
         // Lower right, kept clear of the edges by a small share of the width.
         const double margin = 0.03 * frame.contentWidth;
@@ -126,7 +106,7 @@ void ImageModImageOverlay::applyT(FlexImageT<Sample>* image, const ImageModApply
     const int32_t y1 = std::min(image->height, int32_t(std::ceil(p.y + p.height)));
     if (x1 <= x0 || y1 <= y0)
         return;
-    const OverlayImage& pic = *art;
+    const OverlayImage& pic = *chosen.art;
     const double perPixel = pic.width() / p.width; // picture pixels per image pixel
     const int32_t ch = image->channels;
     parallelFor(y1 - y0, [&, y0](int32_t i) {

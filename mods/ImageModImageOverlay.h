@@ -37,14 +37,12 @@ public:
     bool placement(int32_t imageWidth, int32_t imageHeight, const ImageModApplyContext* context,
                    Placement& out) const;
 
-    const std::string& loadMessage() const { return message; }
+    const std::string& loadMessage() const { return chosen.message; }
 
 private:
     void refresh();
     template <typename Sample>
     void applyT(FlexImageT<Sample>* image, const ImageModApplyContext* context);
 
-    std::shared_ptr<const OverlayImage> art;
-    std::string artPath;
-    std::string message;
+    ChosenOverlayImage chosen;
 };

@@ -45,22 +45,27 @@ bool ImageModLightleak::configureDiscolor(ImageMod& discolor, float amount, floa
     return true;
 }
 
-void ImageModLightleak::apply(FlexImage8* image, const ImageModApplyContext* context)
+namespace {
+
+template <typename Sample>
+void applyLightleak(const ImageModLightleak& mod, FlexImageT<Sample>* image, const ImageModApplyContext* context)
 {
-    const float amount = floatValue(0);
+    const float amount = mod.floatValue(0);
     if (amount == 0.0f)
         return;
     ImageModDiscolor discolor;
-    if (configureDiscolor(discolor, amount, floatValue(1)))
+    if (ImageModLightleak::configureDiscolor(discolor, amount, mod.floatValue(1)))
         discolor.apply(image, context);
+}
+
+} // namespace
+
+void ImageModLightleak::apply(FlexImage8* image, const ImageModApplyContext* context)
+{
+    applyLightleak(*this, image, context);
 }
 
 void ImageModLightleak::apply(FlexImageFloat* image, const ImageModApplyContext* context)
 {
-    const float amount = floatValue(0);
-    if (amount == 0.0f)
-        return;
-    ImageModDiscolor discolor;
-    if (configureDiscolor(discolor, amount, floatValue(1)))
-        discolor.apply(image, context);
+    applyLightleak(*this, image, context);
 }

@@ -34,3 +34,17 @@ bool ImageModSize2::locksCropAspect(float) const
 {
     return false;
 }
+
+float ImageModSize2Pair::outputHeight(float width, float height)
+{
+    float w, h;
+    computeSize(width, height, w, h);
+    return h;
+}
+
+float ImageModSize2Pair::outputWidth(float width, float height)
+{
+    float w, h;
+    computeSize(width, height, w, h);
+    return w;
+}

@@ -27,3 +27,16 @@ public:
     virtual bool locksCropAspect(float ratio) const;
     virtual bool cropAspectFollowsOrientation() const { return false; }
 };
+
+// A size tile that works out both sides together; each side asked for is one half of the pair.
+class ImageModSize2Pair : public ImageModSize2 {
+public:
+    using ImageModSize2::ImageModSize2;
+
+    float outputHeight(float width, float height) final;
+    float outputWidth(float width, float height) final;
+
+protected:
+    // Both sides for the width and height reaching the mod.
+    virtual void computeSize(float width, float height, float& outWidth, float& outHeight) const = 0;
+};

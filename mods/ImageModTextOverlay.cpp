@@ -157,10 +157,7 @@ bool ImageModTextOverlay::layout(int32_t imageWidth, int32_t imageHeight, const 
 {
     if (imageWidth < 1 || imageHeight < 1)
         return false;
-    FlexImageFloat shape;
-    shape.width = imageWidth;
-    shape.height = imageHeight;
-    const SpatialFrame frame = spatialFrameOf(shape, context);
+    const SpatialFrame frame = spatialFrameOfSize(imageWidth, imageHeight, context);
     const float size = floatValue(sizeIndex);
     if (!(size > 0.0f) || !std::isfinite(size))
         return false;
@@ -183,10 +180,10 @@ bool ImageModTextOverlay::layout(int32_t imageWidth, int32_t imageHeight, const 
     const double boxW = cache.raster->layoutWidth;
     const double boxH = cache.raster->layoutHeight;
     double ax, ay;
-    const ImageModVariableDataPixel* pos = pixelAt(positionIndex);
-    if (pos && !pos->points.empty() && !ImageModVariableDataPixel::isUnset(pos->points[0])) {
-        ax = frame.toBufferX(pos->points[0].x);
-        ay = frame.toBufferY(pos->points[0].y);
+    float px, py;
+    if (pointInBuffer(frame, pixelAt(positionIndex), px, py)) {
+        ax = px;
+        ay = py;
     } else {
         // Centred, low in the picture, as a caption sits.
         ax = frame.cx;

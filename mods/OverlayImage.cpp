@@ -1,5 +1,6 @@
 #include "mods/OverlayImage.h"
 
+#include "core/ImageModVariableDataFile.h"
 #include "core/ParallelFor.h"
 
 #include <algorithm>
@@ -158,4 +159,31 @@ std::shared_ptr<const OverlayImage> loadOverlayImage(const std::string& path, st
         cache.clear();
     cache[path] = image;
     return image;
+}
+
+bool ChosenOverlayImage::update(const ImageModVariableDataFile* file)
+{
+    std::string chosen = file ? file->path : std::string();
+    // A lone NUL is how a filter file writes "no file".
+    if (chosen.size() == 1 && chosen[0] == '\0')
+        chosen.clear();
+    if (chosen == path && (art || !message.empty() || chosen.empty()))
+        return false;
+    path = chosen;
+    art.reset();
+    message.clear();
+    if (!chosen.empty()) {
+        art = loadOverlayImage(chosen, message);
+        if (art)
+            message.clear();
+    }
+    return true;
+}
+
+std::string ChosenOverlayImage::toolTip(const char* baseTip, const char* what) const
+{
+    std::string tip = baseTip;
+    if (!message.empty())
+        tip += std::string("\n\nThe ") + what + " is not drawn: " + message;
+    return tip;
 }

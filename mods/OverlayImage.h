@@ -35,3 +35,20 @@ void setOverlayImageDecoder(OverlayImageDecoder decoder);
 // Null with a message when there is no decoder or the file can't be read; failures aren't kept,
 // so a file that appears later is found.
 std::shared_ptr<const OverlayImage> loadOverlayImage(const std::string& path, std::string& message);
+
+class ImageModVariableDataFile;
+
+// The picture a mod's file variable names, decoded once and kept until another file is chosen.
+// Copies share the decoded picture.
+struct ChosenOverlayImage {
+    std::shared_ptr<const OverlayImage> art;
+    std::string path;
+    // Why the picture couldn't be used; empty when it could (or no file is chosen yet).
+    std::string message;
+
+    // Reads the file `file` names unless it is the one held; a failed read is not retried until
+    // the choice changes. False when nothing changed.
+    bool update(const ImageModVariableDataFile* file);
+    // `baseTip`, plus the reason when the picture can't be drawn.
+    std::string toolTip(const char* baseTip, const char* what) const;
+};

@@ -105,13 +105,30 @@ SpatialFrame spatialFrameOf(const FlexImageT<Sample>& image, const ImageModApply
     return f;
 }
 
-// A "Center" point given in document pixels replaces the content's centre; (-1, -1) keeps it.
+// The frame of a buffer known only by its size, as when an overlay is placed before it is drawn.
+inline SpatialFrame spatialFrameOfSize(int32_t width, int32_t height, const ImageModApplyContext* context)
+{
+    FlexImageFloat shape;
+    shape.width = width;
+    shape.height = height;
+    return spatialFrameOf(shape, context);
+}
+
+// Buffer position of a point variable's first point, given in document pixels; false while it is
+// unset ((-1, -1)) or missing.
+static inline bool pointInBuffer(const SpatialFrame& f, const ImageModVariableDataPixel* point, float& x, float& y)
+{
+    if (!point || point->points.empty() || ImageModVariableDataPixel::isUnset(point->points[0]))
+        return false;
+    x = f.toBufferX(point->points[0].x);
+    y = f.toBufferY(point->points[0].y);
+    return true;
+}
+
+// A "Center" point replaces the content's centre; an unset one keeps it.
 static inline void applyCenterPoint(SpatialFrame& f, const ImageModVariableDataPixel* center)
 {
-    if (!center || center->points.empty() || ImageModVariableDataPixel::isUnset(center->points[0]))
-        return;
-    f.cx = f.toBufferX(center->points[0].x);
-    f.cy = f.toBufferY(center->points[0].y);
+    pointInBuffer(f, center, f.cx, f.cy);
 }
 
 // Copies a row into `pad` with `reach` samples of edge repeat on both sides.

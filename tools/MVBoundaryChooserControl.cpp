@@ -2,6 +2,7 @@
 
 #include "core/ImageMod.h"
 #include "core/ImageModVariableDataBoundary.h"
+#include "tools/CropGeometryMouse.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -59,14 +60,10 @@ void MVBoundaryChooserControl::mousePressEvent(QMouseEvent* e)
 
 void MVBoundaryChooserControl::mouseMoveEvent(QMouseEvent* e)
 {
-    const QPointF p = e->localPos();
-    if (geometry.buttonDown) {
-        geometry.drag(p.x(), p.y(), viewRect());
-        writeVariable();
-        e->accept();
+    if (continueCropDrag(geometry, e, viewRect(), [this] { writeVariable(); }))
         return;
-    }
     readVariable();
+    const QPointF p = e->localPos();
     const bool was = geometry.anyHit();
     if (geometry.hitTest(p.x(), p.y(), viewRect(), width(), height()) || was)
         update();
@@ -75,22 +72,13 @@ void MVBoundaryChooserControl::mouseMoveEvent(QMouseEvent* e)
 
 void MVBoundaryChooserControl::mouseReleaseEvent(QMouseEvent* e)
 {
-    if (!geometry.buttonDown) {
-        e->ignore();
-        return;
-    }
-    geometry.release();
-    update();
-    e->accept();
+    releaseCropDrag(geometry, this, e);
 }
 
 void MVBoundaryChooserControl::leaveEvent(QEvent* e)
 {
     MVFullScreenControl::leaveEvent(e);
-    if (!geometry.buttonDown) {
-        geometry.clearHits();
-        update();
-    }
+    leaveCropGeometry(geometry, this);
 }
 
 void MVBoundaryChooserControl::paintEvent(QPaintEvent*)

@@ -3,6 +3,7 @@
 #include "core/ImageModVariableDataChoice.h"
 #include "document/MVMediaWidget.h"
 #include "mods/ImageModSize2.h"
+#include "tools/CropGeometryMouse.h"
 #include "ui/MVListChooser.h"
 #include "ui/MVPushButton.h"
 #include "ui/MVSlider.h"
@@ -337,13 +338,9 @@ void MVToolWidgetCrop::mousePressEvent(QMouseEvent* e)
 
 void MVToolWidgetCrop::mouseMoveEvent(QMouseEvent* e)
 {
-    const QPointF p = e->localPos();
-    if (geometry.buttonDown) {
-        geometry.drag(p.x(), p.y(), viewRect());
-        applyCropState();
-        e->accept();
+    if (continueCropDrag(geometry, e, viewRect(), [this] { applyCropState(); }))
         return;
-    }
+    const QPointF p = e->localPos();
     const bool was = geometry.anyHit();
     const bool hit = geometry.hitTest(p.x(), p.y(), viewRect(), width(), height());
     updateCursorShape();
@@ -357,23 +354,14 @@ void MVToolWidgetCrop::mouseMoveEvent(QMouseEvent* e)
 
 void MVToolWidgetCrop::mouseReleaseEvent(QMouseEvent* e)
 {
-    if (!geometry.buttonDown) {
-        e->ignore();
-        return;
-    }
-    geometry.release();
-    update();
-    e->accept();
+    releaseCropDrag(geometry, this, e);
 }
 
 void MVToolWidgetCrop::leaveEvent(QEvent* e)
 {
     MVToolWidget::leaveEvent(e);
-    if (!geometry.buttonDown) {
-        geometry.clearHits();
+    if (leaveCropGeometry(geometry, this))
         unsetCursor();
-        update();
-    }
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -14,6 +14,7 @@
 #include "ui/MVStartupWindow.h"
 #include "ui/MVTabBar.h"
 #include "ui/MVToolPanel.h"
+#include "ui/ModalQuestions.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -880,15 +881,11 @@ int MainWindow::showMessage(const QString& title, const QString& text, const QSt
 {
     if (messageHook)
         return messageHook(title, text, QStringList{button1, button2, button3}.filter(QRegularExpression(QStringLiteral("."))));
-    QMessageBox box(this);
-    box.setWindowTitle(title);
-    box.setText(text);
-    QList<QAbstractButton*> buttons;
+    QStringList captions;
     for (const QString& caption : {button1, button2, button3})
         if (!caption.isEmpty())
-            buttons << box.addButton(caption, QMessageBox::AcceptRole);
-    box.exec();
-    return int(buttons.indexOf(box.clickedButton()));
+            captions << caption;
+    return askWithButtons(this, title, text, captions);
 }
 
 void MainWindow::showNotice(const QString& title, const QString& text)

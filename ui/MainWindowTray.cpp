@@ -8,12 +8,12 @@
 #include "filters/PresetLibrary.h"
 #include "mods/RemixTiles.h"
 #include "ui/MainWindow.h"
+#include "ui/ModalQuestions.h"
 #include "ui/TrayWidget.h"
 
 #include <QtCore/QEvent>
 #include <QtCore/QFileInfo>
 #include <QtWidgets/QFileDialog>
-#include <QtWidgets/QInputDialog>
 
 namespace {
 
@@ -328,16 +328,7 @@ bool MainWindow::askForText(const QString& title, const QString& prompt, const Q
 {
     if (askTextHook)
         return askTextHook(title, prompt, fieldLabel, defaultText, okCaption, cancelCaption, answer);
-    QInputDialog dialog(this);
-    dialog.setWindowTitle(title);
-    dialog.setLabelText(prompt + QStringLiteral("\n\n") + fieldLabel);
-    dialog.setTextValue(defaultText);
-    dialog.setOkButtonText(okCaption);
-    dialog.setCancelButtonText(cancelCaption);
-    if (dialog.exec() != QDialog::Accepted)
-        return false;
-    answer = dialog.textValue();
-    return true;
+    return askForTextInDialog(this, title, prompt, fieldLabel, defaultText, okCaption, cancelCaption, answer);
 }
 
 QString MainWindow::chooseFile(bool save, const QString& title, const QString& start, const QString& filter)

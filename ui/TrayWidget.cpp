@@ -1,6 +1,7 @@
 #include "ui/TrayWidget.h"
 
 #include "core/ImageMod.h"
+#include "ui/ModalQuestions.h"
 #include "ui/TrayNode.h"
 #include "document/UndoCommandAdjustFilter.h"
 #include "document/UndoCommandFilterSequence.h"
@@ -10,9 +11,7 @@
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QInputDialog>
 #include <QtWidgets/QMenu>
-#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollBar>
 
@@ -158,27 +157,11 @@ TrayWidget::TrayWidget(QWidget* parent) : QWidget(parent), stack(std::make_uniqu
     connect(menu, &QMenu::triggered, this, &TrayWidget::menuItemChosen);
 
     message = [this](const QString& title, const QString& text, const QStringList& buttons) {
-        QMessageBox box(this);
-        box.setWindowTitle(title);
-        box.setText(text);
-        QList<QAbstractButton*> made;
-        for (const QString& b : buttons)
-            made << box.addButton(b, QMessageBox::AcceptRole);
-        box.exec();
-        return int(made.indexOf(box.clickedButton()));
+        return askWithButtons(this, title, text, buttons);
     };
     askText = [this](const QString& title, const QString& prompt, const QString& fieldLabel, const QString& defaultText,
                      const QString& okCaption, const QString& cancelCaption, QString& answer) {
-        QInputDialog dialog(this);
-        dialog.setWindowTitle(title);
-        dialog.setLabelText(prompt + QStringLiteral("\n\n") + fieldLabel);
-        dialog.setTextValue(defaultText);
-        dialog.setOkButtonText(okCaption);
-        dialog.setCancelButtonText(cancelCaption);
-        if (dialog.exec() != QDialog::Accepted)
-            return false;
-        answer = dialog.textValue();
-        return true;
+        return askForTextInDialog(this, title, prompt, fieldLabel, defaultText, okCaption, cancelCaption, answer);
     };
     rebuild();
 }

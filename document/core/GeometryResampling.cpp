@@ -8,6 +8,31 @@
 
 #include <cmath>
 
+namespace {
+
+// The enabled crop tile's rectangle for a source of this size and its straightening; without a
+// crop tile there is no rectangle and no straightening.
+struct CropSetting {
+    CropFractions rect;
+    bool present = false;
+    float straighten = 0.0f;
+
+    const CropFractions* crop() const { return present ? &rect : nullptr; }
+};
+
+CropSetting cropSettingOf(const std::vector<ImageMod*>& mods, const FlexImageFloat& source)
+{
+    CropSetting c;
+    if (auto* cropMod = dynamic_cast<ImageModCrop*>(findEnabledWithTag(mods, kTagCrop))) {
+        c.rect = cropMod->cropRect(float(source.width), float(source.height));
+        c.present = true;
+        c.straighten = cropMod->straighten();
+    }
+    return c;
+}
+
+} // namespace
+
 bool geometryResample(const FlexImageFloat& source, FlexImageFloat& destination, const std::vector<ImageMod*>& mods,
                       int32_t targetWidth, int32_t targetHeight, bool exact, bool* changed)
 {
@@ -26,14 +51,9 @@ bool geometryResample(const FlexImageFloat& source, FlexImageFloat& destination,
         return false;
     const bool resized = destination.width != g.width || destination.height != g.height;
 
-    CropFractions cropRect;
-    const CropFractions* crop = nullptr;
-    float straighten = 0.0f;
-    if (auto* cropMod = dynamic_cast<ImageModCrop*>(findEnabledWithTag(mods, kTagCrop))) {
-        cropRect = cropMod->cropRect(float(source.width), float(source.height));
-        crop = &cropRect;
-        straighten = cropMod->straighten();
-    }
+    const CropSetting cropSetting = cropSettingOf(mods, source);
+    const CropFractions* crop = cropSetting.crop();
+    const float straighten = cropSetting.straighten;
 
     bool drawn = false;
     if (auto* border = dynamic_cast<ImageModBorderGeometry*>(findEnabledWithTag(mods, kTagBorder)))
@@ -65,14 +85,9 @@ bool geometryIsPlainCopy(const FlexImageFloat& source, const std::vector<ImageMo
     }
     if (g.width != source.width || g.height != source.height)
         return false;
-    CropFractions cropRect;
-    const CropFractions* crop = nullptr;
-    float straighten = 0.0f;
-    if (auto* cropMod = dynamic_cast<ImageModCrop*>(findEnabledWithTag(mods, kTagCrop))) {
-        cropRect = cropMod->cropRect(float(source.width), float(source.height));
-        crop = &cropRect;
-        straighten = cropMod->straighten();
-    }
+    const CropSetting cropSetting = cropSettingOf(mods, source);
+    const CropFractions* crop = cropSetting.crop();
+    const float straighten = cropSetting.straighten;
     CropRotateScaleMapping m;
     return planCropRotateScale(source.width, source.height, g.width, g.height, crop, nullptr, straighten, m)
         && m.plainCopy;

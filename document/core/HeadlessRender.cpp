@@ -12,16 +12,29 @@ void fullOutputSize(int32_t sourceWidth, int32_t sourceHeight, const std::vector
     height = g.height;
 }
 
-bool renderFullSize(const FlexImageFloat& source, const std::vector<ImageMod*>& mods, FlexImageFloat& destination,
-                    int32_t width, int32_t height)
+namespace {
+
+// The size to render at: the one asked for, or the sequence's full output size when either side is
+// below 1. False for an empty source, a source that is also the destination, or no size.
+bool renderTarget(const FlexImageFloat& source, const std::vector<ImageMod*>& mods,
+                  const FlexImageFloat& destination, int32_t width, int32_t height, int32_t& w, int32_t& h)
 {
     if (source.isEmpty() || &source == &destination)
         return false;
-    int32_t w = width;
-    int32_t h = height;
+    w = width;
+    h = height;
     if (w < 1 || h < 1)
         fullOutputSize(source.width, source.height, mods, w, h);
-    if (w < 1 || h < 1)
+    return w >= 1 && h >= 1;
+}
+
+} // namespace
+
+bool renderFullSize(const FlexImageFloat& source, const std::vector<ImageMod*>& mods, FlexImageFloat& destination,
+                    int32_t width, int32_t height)
+{
+    int32_t w, h;
+    if (!renderTarget(source, mods, destination, width, height, w, h))
         return false;
 
     // Drawn straight into the destination: a full-size copy more would cost as much as a tile.
@@ -37,13 +50,8 @@ bool renderFullSize(const FlexImageFloat& source, const std::vector<ImageMod*>& 
 bool renderFullSizeTaking(FlexImageFloat& source, const std::vector<ImageMod*>& mods, FlexImageFloat& destination,
                           int32_t width, int32_t height)
 {
-    if (source.isEmpty() || &source == &destination)
-        return false;
-    int32_t w = width;
-    int32_t h = height;
-    if (w < 1 || h < 1)
-        fullOutputSize(source.width, source.height, mods, w, h);
-    if (w < 1 || h < 1)
+    int32_t w, h;
+    if (!renderTarget(source, mods, destination, width, height, w, h))
         return false;
     if (!geometryIsPlainCopy(source, mods, w, h, true))
         return renderFullSize(source, mods, destination, width, height);

@@ -55,6 +55,25 @@ void setCurve(ImageMod& mod, int32_t index, const ToneCurve& curve)
         data->curve = curve;
 }
 
+void setValue(ImageMod& mod, int32_t index, float value)
+{
+    setFloat(mod, index, value);
+}
+
+void setValue(ImageMod& mod, int32_t index, StyleColor value)
+{
+    setColor(mod, index, value);
+}
+
+// Most stage mods take their values as variables 0, 1, 2... in the order the stage lists them.
+template <class... Values>
+void applyWithValues(ImageMod& mod, FlexImageFloat* image, const ImageModApplyContext* context, Values... values)
+{
+    int32_t index = 0;
+    (setValue(mod, index++, values), ...);
+    mod.apply(image, context);
+}
+
 } // namespace
 
 void StyleStages::gamma(float amount)
@@ -137,74 +156,50 @@ void StyleStages::colorizeCurve(float amount, const char* points, StyleColor col
 void StyleStages::dye(float amount, StyleColor color, int32_t version)
 {
     ImageModDye mod(version);
-    setFloat(mod, 0, amount);
-    setColor(mod, 1, color);
-    mod.apply(image, context);
+    applyWithValues(mod, image, context, amount, color);
 }
 
 void StyleStages::colorFilter(float amount, StyleColor color)
 {
     ImageModColorFilter mod;
-    setFloat(mod, 0, amount);
-    setColor(mod, 1, color);
-    mod.apply(image, context);
+    applyWithValues(mod, image, context, amount, color);
 }
 
 void StyleStages::splitTone(float amount, StyleColor dark, StyleColor light)
 {
     ImageModSplitTone mod;
-    setFloat(mod, 0, amount);
-    setColor(mod, 1, dark);
-    setColor(mod, 2, light);
-    mod.apply(image, context);
+    applyWithValues(mod, image, context, amount, dark, light);
 }
 
 void StyleStages::colorCorrector(float amount, StyleColor shadows, StyleColor midtones, StyleColor highlights)
 {
     ImageModColorCorrector mod;
-    setFloat(mod, 0, amount);
-    setColor(mod, 1, shadows);
-    setColor(mod, 2, midtones);
-    setColor(mod, 3, highlights);
-    mod.apply(image, context);
+    applyWithValues(mod, image, context, amount, shadows, midtones, highlights);
 }
 
 void StyleStages::vignette(float amount, float sharpness, float radius)
 {
     ImageModVignette mod;
-    setFloat(mod, 0, amount);
-    setFloat(mod, 1, sharpness);
-    setFloat(mod, 2, radius);
-    mod.apply(image, context);
+    applyWithValues(mod, image, context, amount, sharpness, radius);
 }
 
 void StyleStages::noise(float amount, float scale, float offset, int32_t version)
 {
     ImageModNoise mod;
     mod.setVersion(version);
-    setFloat(mod, 0, amount);
-    setFloat(mod, 1, scale);
-    setFloat(mod, 2, offset);
-    mod.apply(image, context);
+    applyWithValues(mod, image, context, amount, scale, offset);
 }
 
 void StyleStages::blur(float amount, float mix)
 {
     ImageModBlur mod;
-    setFloat(mod, 0, amount);
-    setFloat(mod, 1, mix);
-    mod.apply(image, context);
+    applyWithValues(mod, image, context, amount, mix);
 }
 
 void StyleStages::discolor(float amount, float offset, StyleColor color, float scale, float stretch)
 {
     ImageModDiscolor mod;
-    setFloat(mod, 0, amount);
-    setFloat(mod, 1, offset);
-    setColor(mod, 2, color);
-    setFloat(mod, 3, scale);
-    setFloat(mod, 4, stretch);
-    mod.apply(image, context);
+    applyWithValues(mod, image, context, amount, offset, color, scale, stretch);
 }
 
 void StyleStages::colorcross(float amount, float variation, int32_t version)

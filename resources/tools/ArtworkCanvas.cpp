@@ -1,6 +1,7 @@
 #include "ArtworkCanvas.h"
 #include "core/ParallelFor.h"
 #include <QtGui/QFontDatabase>
+#include <QtGui/QLinearGradient>
 #include <QtGui/QRgba64>
 #include <algorithm>
 
@@ -47,6 +48,19 @@ QImage ArtworkCanvas::finish()
             dst[x] = ditherPixel(src[x], x, y);
     });
     return out;
+}
+
+void drawShadedCard(QPainter& p, const QRectF& r, const QColor& top, const QColor& bottom, const QColor& edgeColour,
+                    qreal radius, int highlightAlpha)
+{
+    QLinearGradient g(r.topLeft(), r.bottomLeft());
+    g.setColorAt(0, top);
+    g.setColorAt(1, bottom);
+    p.setPen(QPen(edgeColour, 1));
+    p.setBrush(g);
+    p.drawRoundedRect(r.adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    p.setPen(QPen(QColor(255, 255, 255, highlightAlpha), 1));
+    p.drawLine(QPointF(r.left() + radius, r.top() + 1.5), QPointF(r.right() - radius, r.top() + 1.5));
 }
 
 bool loadArtworkFonts()

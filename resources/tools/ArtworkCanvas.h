@@ -37,6 +37,11 @@ private:
     uint32_t state;
 };
 
+// A rounded card or button shaded from `top` to `bottom`, with a one-pixel edge and a light line
+// just inside its top edge that gives a flat face a little depth.
+void drawShadedCard(QPainter& p, const QRectF& r, const QColor& top, const QColor& bottom, const QColor& edgeColour,
+                    qreal radius, int highlightAlpha);
+
 // The program's fonts, from the system's Vera package that the build also bundles.
 bool loadArtworkFonts();
 QFont artworkFont(qreal pixelSize, bool bold);

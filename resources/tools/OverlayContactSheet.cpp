@@ -11,10 +11,10 @@
 #include "core/ImageModVariableDataChoice.h"
 #include "core/ImageModVariableDataColor.h"
 #include "core/ImageModVariableDataFile.h"
+#include "resources/tools/ContactSheetSupport.h"
 #include "ResourceInit.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QFileInfo>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
@@ -29,33 +29,6 @@ namespace {
 constexpr int kCell = 360;
 constexpr int kColumns = 6;
 constexpr int kLabel = 20;
-
-QImage toQImage(const FlexImageFloat& img)
-{
-    QImage out(img.width, img.height, QImage::Format_RGB888);
-    for (int y = 0; y < img.height; ++y) {
-        const float* p = img.row(y);
-        uchar* d = out.scanLine(y);
-        for (int x = 0; x < img.width; ++x)
-            for (int c = 0; c < 3; ++c) {
-                const float v = p[x * img.channels + c];
-                d[3 * x + c] = uchar(v <= 0.0f ? 0 : v >= 255.0f ? 255 : int(v + 0.5f));
-            }
-    }
-    return out;
-}
-
-void fromQImage(const QImage& src, FlexImageFloat& img)
-{
-    const QImage rgb = src.convertToFormat(QImage::Format_RGB888);
-    img.resize(rgb.width(), rgb.height(), 3);
-    for (int y = 0; y < rgb.height(); ++y) {
-        const uchar* s = rgb.constScanLine(y);
-        float* p = img.row(y);
-        for (int x = 0; x < rgb.width() * 3; ++x)
-            p[x] = float(s[x]);
-    }
-}
 
 // A logo with soft alpha for the watermark cells.
 QString writeLogo()
@@ -100,8 +73,7 @@ QImage render(const FlexImageFloat& photo, ImageMod& mod)
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreenPlatform();
     QGuiApplication app(argc, argv);
     vantrelInitResources();
     installOverlaySeams();
@@ -110,20 +82,13 @@ int main(int argc, char** argv)
         return 2;
     }
     const QString out = QString::fromLocal8Bit(argv[1]);
-    QStringList photos;
-    for (int i = 2; i < argc; ++i)
-        photos << QString::fromLocal8Bit(argv[i]);
-    if (photos.isEmpty()) {
-        const QString dir = QStringLiteral(VANTREL_TESTDATA "/");
-        photos << dir + "olympus_em1_forest_1920x1080.jpg" << dir + "flower_progressive_420.jpg";
-    }
+    const QStringList photos =
+        photoArguments(argc, argv, 2, { "olympus_em1_forest_1920x1080.jpg", "flower_progressive_420.jpg" });
     std::vector<FlexImageFloat> sources(size_t(photos.size()));
     for (int i = 0; i < photos.size(); ++i) {
-        QImage photo(photos[i]);
-        if (photo.isNull()) {
-            std::fprintf(stderr, "cannot read %s\n", qPrintable(photos[i]));
+        QImage photo;
+        if (!readPhoto(photos[i], photo))
             return 1;
-        }
         fromQImage(photo, sources[size_t(i)]);
     }
 
@@ -177,21 +142,14 @@ int main(int argc, char** argv)
     QPainter painter(&sheet);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.setPen(Qt::white);
-    const QFileInfo info(out);
     for (size_t i = 0; i < cells.size(); ++i) {
         const QImage small = cells[i].image.scaled(kCell - 8, kCell - 8, Qt::KeepAspectRatio, Qt::SmoothTransformation);
         const int x = int(i % kColumns) * kCell;
         const int y = int(i / kColumns) * cellH;
         painter.drawImage(x + (kCell - small.width()) / 2, y + (kCell - small.height()) / 2, small);
         painter.drawText(QRect(x, y + kCell, kCell, kLabel), Qt::AlignCenter, cells[i].label);
-        const QString part = info.path() + "/" + info.completeBaseName() + "-" + QString::number(i + 1) + ".png";
-        cells[i].image.save(part);
+        cells[i].image.save(numberedBeside(out, int(i + 1)));
     }
     painter.end();
-    if (!sheet.save(out)) {
-        std::fprintf(stderr, "cannot write %s\n", qPrintable(out));
-        return 1;
-    }
-    std::printf("%s (%dx%d)\n", qPrintable(out), sheet.width(), sheet.height());
-    return 0;
+    return saveSheet(sheet, out);
 }

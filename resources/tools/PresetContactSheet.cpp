@@ -7,6 +7,7 @@
 #include "core/ModCatalogue.h"
 #include "document/core/HeadlessRender.h"
 #include "filters/FilterFile.h"
+#include "resources/tools/ContactSheetSupport.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>
@@ -23,34 +24,6 @@ namespace {
 
 constexpr int kCellWidth = 240;
 constexpr int kLabelWidth = 190;
-
-QImage toQImage(const FlexImageFloat& img)
-{
-    QImage out(img.width, img.height, QImage::Format_RGB888);
-    for (int y = 0; y < img.height; ++y) {
-        const float* p = img.row(y);
-        uchar* d = out.scanLine(y);
-        for (int x = 0; x < img.width; ++x) {
-            for (int c = 0; c < 3; ++c) {
-                const float v = p[x * img.channels + c];
-                d[x * 3 + c] = uchar(v <= 0.0f ? 0 : v >= 255.0f ? 255 : int(v + 0.5f));
-            }
-        }
-    }
-    return out;
-}
-
-void fromQImage(const QImage& src, FlexImageFloat& img)
-{
-    const QImage rgb = src.convertToFormat(QImage::Format_RGB888);
-    img.resize(rgb.width(), rgb.height(), 3);
-    for (int y = 0; y < rgb.height(); ++y) {
-        const uchar* s = rgb.constScanLine(y);
-        float* p = img.row(y);
-        for (int x = 0; x < rgb.width() * 3; ++x)
-            p[x] = float(s[x]);
-    }
-}
 
 // Share of samples at the ends of the range: a look that clips or crushes shows here.
 void clipShares(const FlexImageFloat& img, double& white, double& black)
@@ -72,8 +45,7 @@ void clipShares(const FlexImageFloat& img, double& white, double& black)
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreenPlatform();
     QGuiApplication app(argc, argv);
     if (argc < 3) {
         std::fprintf(stderr, "usage: vantrel_preset_sheet <out.png> <preset folder> [photo ...]\n");
@@ -81,22 +53,15 @@ int main(int argc, char** argv)
     }
     const QString out = QString::fromLocal8Bit(argv[1]);
     const QString folder = QString::fromLocal8Bit(argv[2]);
-    QStringList photoPaths;
-    for (int i = 3; i < argc; ++i)
-        photoPaths << QString::fromLocal8Bit(argv[i]);
-    if (photoPaths.isEmpty()) {
-        const QString dir = QStringLiteral(VANTREL_TESTDATA "/");
-        photoPaths << dir + "olympus_em1_forest_1920x1080.jpg" << dir + "pentax_k100d_cat_exif.png";
-    }
+    const QStringList photoPaths =
+        photoArguments(argc, argv, 3, { "olympus_em1_forest_1920x1080.jpg", "pentax_k100d_cat_exif.png" });
 
     std::vector<FlexImageFloat> photos(size_t(photoPaths.size()));
     int rowHeight = 0;
     for (int i = 0; i < photoPaths.size(); ++i) {
-        QImage photo(photoPaths[i]);
-        if (photo.isNull()) {
-            std::fprintf(stderr, "cannot read %s\n", qPrintable(photoPaths[i]));
+        QImage photo;
+        if (!readPhoto(photoPaths[i], photo))
             return 1;
-        }
         photo = photo.scaledToWidth(kCellWidth, Qt::SmoothTransformation);
         fromQImage(photo, photos[size_t(i)]);
         rowHeight = std::max(rowHeight, photo.height());
@@ -148,10 +113,7 @@ int main(int argc, char** argv)
         }
     }
     painter.end();
-    if (!sheet.save(out)) {
-        std::fprintf(stderr, "cannot write %s\n", qPrintable(out));
+    if (saveSheet(sheet, out, QStringLiteral(", %1 presets").arg(presets.size())) != 0)
         return 1;
-    }
-    std::printf("%s (%dx%d), %d presets\n", qPrintable(out), sheet.width(), sheet.height(), int(presets.size()));
     return failures ? 1 : 0;
 }

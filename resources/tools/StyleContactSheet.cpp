@@ -5,8 +5,8 @@
 // inspect. Without photos the three default ones of the shared test folder are used.
 #include "core/FlexImage.h"
 #include "mods/styles/CameraStyles.h"
+#include "resources/tools/ContactSheetSupport.h"
 
-#include <QtCore/QFileInfo>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
@@ -21,32 +21,6 @@ namespace {
 constexpr int kCellWidth = 300;
 constexpr int kColumns = 6;
 constexpr int kLabel = 18;
-
-QImage toQImage(const FlexImageFloat& img)
-{
-    QImage out(img.width, img.height, QImage::Format_RGB888);
-    for (int y = 0; y < img.height; ++y) {
-        const float* p = img.row(y);
-        uchar* d = out.scanLine(y);
-        for (int x = 0; x < img.width * 3; ++x) {
-            const float v = p[x];
-            d[x] = uchar(v <= 0.0f ? 0 : v >= 255.0f ? 255 : int(v + 0.5f));
-        }
-    }
-    return out;
-}
-
-void fromQImage(const QImage& src, FlexImageFloat& img)
-{
-    const QImage rgb = src.convertToFormat(QImage::Format_RGB888);
-    img.resize(rgb.width(), rgb.height(), 3);
-    for (int y = 0; y < rgb.height(); ++y) {
-        const uchar* s = rgb.constScanLine(y);
-        float* p = img.row(y);
-        for (int x = 0; x < rgb.width() * 3; ++x)
-            p[x] = float(s[x]);
-    }
-}
 
 // One photo's block: the original and every style, labelled.
 QImage renderBlock(const QImage& photo, float variation)
@@ -85,8 +59,7 @@ QImage renderBlock(const QImage& photo, float variation)
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreenPlatform();
     QGuiApplication app(argc, argv);
     if (argc < 2) {
         std::fprintf(stderr, "usage: vantrel_style_sheet <out.png> [variation] [photo ...]\n");
@@ -94,41 +67,28 @@ int main(int argc, char** argv)
     }
     const QString out = QString::fromLocal8Bit(argv[1]);
     const float variation = argc > 2 ? float(std::atof(argv[2])) : 0.0f;
-    QStringList photos;
-    for (int i = 3; i < argc; ++i)
-        photos << QString::fromLocal8Bit(argv[i]);
-    if (photos.isEmpty()) {
-        const QString dir = QStringLiteral(VANTREL_TESTDATA "/");
-        photos << dir + "olympus_em1_forest_1920x1080.jpg" << dir + "pentax_k100d_cat_exif.png"
-               << dir + "flower_progressive_420.jpg";
-    }
+    const QStringList photos = photoArguments(
+        argc, argv, 3,
+        { "olympus_em1_forest_1920x1080.jpg", "pentax_k100d_cat_exif.png", "flower_progressive_420.jpg" });
     std::vector<QImage> blocks;
     int height = 0;
     for (const QString& path : photos) {
-        QImage photo(path);
-        if (photo.isNull()) {
-            std::fprintf(stderr, "cannot read %s\n", qPrintable(path));
+        QImage photo;
+        if (!readPhoto(path, photo))
             return 1;
-        }
         blocks.push_back(renderBlock(photo, variation));
         height += blocks.back().height();
     }
     QImage sheet(kColumns * kCellWidth, height, QImage::Format_RGB888);
     QPainter painter(&sheet);
     int y = 0;
-    const QFileInfo info(out);
     for (size_t i = 0; i < blocks.size(); ++i) {
         painter.drawImage(0, y, blocks[i]);
         y += blocks[i].height();
-        const QString part = info.path() + "/" + info.completeBaseName() + "-" + QString::number(i + 1) + ".png";
+        const QString part = numberedBeside(out, int(i + 1));
         if (!blocks[i].save(part))
             std::fprintf(stderr, "cannot write %s\n", qPrintable(part));
     }
     painter.end();
-    if (!sheet.save(out)) {
-        std::fprintf(stderr, "cannot write %s\n", qPrintable(out));
-        return 1;
-    }
-    std::printf("%s (%dx%d)\n", qPrintable(out), sheet.width(), sheet.height());
-    return 0;
+    return saveSheet(sheet, out);
 }

@@ -1,4 +1,5 @@
 #include "TrayArt.h"
+#include "ArtworkCanvas.h"
 #include "ArtworkPalette.h"
 #include <QtGui/QLinearGradient>
 #include <QtGui/QPainter>
@@ -13,14 +14,7 @@ bool is(const char* a, const char* b) { return std::strcmp(a, b) == 0; }
 
 void card(QPainter& p, const QRectF& r, const QColor& top, const QColor& bottom, const QColor& edgeColour)
 {
-    QLinearGradient g(r.topLeft(), r.bottomLeft());
-    g.setColorAt(0, top);
-    g.setColorAt(1, bottom);
-    p.setPen(QPen(edgeColour, 1));
-    p.setBrush(g);
-    p.drawRoundedRect(r.adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
-    p.setPen(QPen(QColor(255, 255, 255, 70), 1));
-    p.drawLine(QPointF(r.left() + 6, r.top() + 1.5), QPointF(r.right() - 6, r.top() + 1.5));
+    drawShadedCard(p, r, top, bottom, edgeColour, 6, 70);
 }
 
 } // namespace

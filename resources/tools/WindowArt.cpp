@@ -1,4 +1,5 @@
 #include "WindowArt.h"
+#include "ArtworkCanvas.h"
 #include "ArtworkPalette.h"
 #include "StartupArt.h"
 #include <QtGui/QLinearGradient>
@@ -14,15 +15,7 @@ QColor iconColor() { return QColor(0xd6, 0xd6, 0xd6); }
 
 void roundedButton(QPainter& p, const QRectF& r, const QColor& top, const QColor& bottom, const QColor& edgeColour)
 {
-    QLinearGradient g(r.topLeft(), r.bottomLeft());
-    g.setColorAt(0, top);
-    g.setColorAt(1, bottom);
-    p.setPen(QPen(edgeColour, 1));
-    p.setBrush(g);
-    p.drawRoundedRect(r.adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
-    // A faint top highlight gives the flat button a little depth.
-    p.setPen(QPen(QColor(255, 255, 255, 18), 1));
-    p.drawLine(QPointF(r.left() + 4, r.top() + 1.5), QPointF(r.right() - 4, r.top() + 1.5));
+    drawShadedCard(p, r, top, bottom, edgeColour, 4, 18);
 }
 
 } // namespace
