@@ -52,7 +52,11 @@ public:
     // The table over `count` contiguous samples, four at a time: the index arithmetic and the
     // blend run in vector lanes, only the two table reads per sample are scalar. A group holding a
     // sample for powerPair itself (out of scale, NaN, a marked step) goes sample by sample.
-    void apply(float* s, int64_t count) const
+    void apply(float* s, int64_t count) const { apply(s, s, count); }
+
+    // The same from `in` to `out`, which may be the same run of samples but must not overlap
+    // otherwise.
+    void apply(const float* in, float* out, int64_t count) const
     {
         typedef float Lanes __attribute__((vector_size(16)));
         typedef int32_t Index __attribute__((vector_size(16)));
@@ -62,10 +66,10 @@ public:
         int64_t i = 0;
         for (; i + 4 <= count; i += 4) {
             Lanes x;
-            std::memcpy(&x, s + i, sizeof x);
+            std::memcpy(&x, in + i, sizeof x);
             const Lanes u = x * perUnit;
             if (!allTrue((u >= zero) & (u < limit))) {
-                scalar(s + i, 4);
+                scalar(in + i, out + i, 4);
                 continue;
             }
             const Index k = __builtin_convertvector(u, Index);
@@ -74,12 +78,12 @@ public:
             const Lanes m = {slope[k[0]], slope[k[1]], slope[k[2]], slope[k[3]]};
             const Lanes r = b + m * f;
             if (!allTrue(r == r)) {
-                scalar(s + i, 4);
+                scalar(in + i, out + i, 4);
                 continue;
             }
-            std::memcpy(s + i, &r, sizeof r);
+            std::memcpy(out + i, &r, sizeof r);
         }
-        scalar(s + i, count - i);
+        scalar(in + i, out + i, count - i);
     }
 
 private:
@@ -91,10 +95,10 @@ private:
         return (halves[0] & halves[1]) == ~uint64_t(0);
     }
 
-    void scalar(float* s, int64_t count) const
+    void scalar(const float* in, float* out, int64_t count) const
     {
         for (int64_t j = 0; j < count; ++j)
-            s[j] = (*this)(s[j]);
+            out[j] = (*this)(in[j]);
     }
 
 
