@@ -4,6 +4,7 @@
 #include "core/ImageMod.h"
 #include "core/ImageModVariable.h"
 #include "desktop_only/MediaLoading.h"
+#include "desktop_only/qtImageConverters.h"
 #include "document/MVMediaWidget.h"
 #include "document/core/ModSequenceRunner.h"
 #include "mods/ImageModBrightness.h"
@@ -12,6 +13,7 @@
 #include "mods/ImageModSaturation.h"
 #include "mods/ImageModToneCurve.h"
 
+#include <QtGui/QImage>
 #include <QtWidgets/QApplication>
 #include <benchmark/benchmark.h>
 
@@ -116,3 +118,18 @@ void BM_ViewportSliderDrag(benchmark::State& state)
 } // namespace
 
 BENCHMARK(BM_ViewportSliderDrag)->UseManualTime()->Iterations(50)->Unit(benchmark::kMillisecond);
+
+// The hand-over of a processed 1590 x 1060 RGB region (the fitted drag above) to the QImage.
+static void BM_DisplayCopy(benchmark::State& state)
+{
+    FlexImageFloat region(1590, 1060, 3);
+    for (int64_t i = 0; i < region.sampleCount(); ++i)
+        region.data[i] = float(i % 263) - 4.0f; // a little outside 0..255 at both ends
+    QImage target(1590, 1060, QImage::Format_ARGB32);
+    target.fill(0);
+    for (auto _ : state) {
+        copyContentsIntoQtImage(region, target, 0, 0, nullptr);
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(BM_DisplayCopy)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
