@@ -56,7 +56,8 @@ void waitForPass(MVMediaWidget& w, int passesBefore)
 }
 
 // woken: the timing thread blocks until displayUpdatedSignal releases it (a direct connection on the
-// worker) instead of polling; the polls' own wake-ups then take no turns from the pass's threads.
+// worker) instead of polling, so the polls' own wake-ups take no turns from the pass's threads; the
+// time ends at the signal itself, read on the worker, not when this thread gets to run again.
 void sliderDrag(benchmark::State& state, bool woken)
 {
     application();
@@ -89,9 +90,15 @@ void sliderDrag(benchmark::State& state, bool woken)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 
     std::counting_semaphore<> shown{0};
+    std::chrono::steady_clock::time_point signalled;
     if (woken)
-        QObject::connect(&w, &MVMediaWidget::displayUpdatedSignal, &w, [&shown] { shown.release(); },
-                         Qt::DirectConnection);
+        QObject::connect(
+            &w, &MVMediaWidget::displayUpdatedSignal, &w,
+            [&shown, &signalled] {
+                signalled = std::chrono::steady_clock::now();
+                shown.release(); // publishes signalled to the acquiring thread
+            },
+            Qt::DirectConnection);
 
     std::vector<double> times;
     std::vector<double> cpuTimes;
@@ -106,7 +113,7 @@ void sliderDrag(benchmark::State& state, bool woken)
             shown.acquire();
         else
             waitForPass(w, passes);
-        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+        const std::chrono::duration<double> elapsed = (woken ? signalled : std::chrono::steady_clock::now()) - start;
         state.SetIterationTime(elapsed.count());
         times.push_back(elapsed.count() * 1e3);
         cpuTimes.push_back(processCpuMs() - cpuStart);
