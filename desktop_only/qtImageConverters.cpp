@@ -6,6 +6,7 @@
 #include <QtGui/QImage>
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -22,10 +23,40 @@ static inline uint32_t toByte(float v)
     return uint32_t(int32_t(low < 255.0f ? low : 255.0f));
 }
 
-// The common case, three float samples to one opaque pixel, with the stride known to the compiler.
+typedef float FloatLanes __attribute__((vector_size(16)));
+typedef int32_t IntLanes __attribute__((vector_size(16)));
+
+// toByte on four samples at once, the same clamps lane by lane.
+static inline IntLanes toBytes(FloatLanes v)
+{
+    const FloatLanes zero = {0.0f, 0.0f, 0.0f, 0.0f};
+    const FloatLanes top = {255.0f, 255.0f, 255.0f, 255.0f};
+    const FloatLanes low = v > zero ? v : zero;
+    return __builtin_convertvector(low < top ? low : top, IntLanes);
+}
+
+// The common case, three float samples to one opaque pixel. Four pixels are twelve samples, three
+// lanes of four: clamped together, then dealt out to the red, green and blue of the four pixels.
 static inline void packRgbRow(const float* src, uint32_t* dst, int32_t span)
 {
-    for (int32_t x = 0; x < span; ++x, src += 3)
+    const IntLanes opaque = {int32_t(0xff000000u), int32_t(0xff000000u), int32_t(0xff000000u), int32_t(0xff000000u)};
+    int32_t x = 0;
+    for (; x + 4 <= span; x += 4, src += 12) {
+        FloatLanes a, b, c;
+        std::memcpy(&a, src, sizeof a);     // r0 g0 b0 r1
+        std::memcpy(&b, src + 4, sizeof b); // g1 b1 r2 g2
+        std::memcpy(&c, src + 8, sizeof c); // b2 r3 g3 b3
+        const IntLanes ia = toBytes(a), ib = toBytes(b), ic = toBytes(c);
+        const IntLanes ab = __builtin_shuffle(ia, ib, IntLanes{0, 3, 6, 1});  // r0 r1 r2 g0
+        const IntLanes bc = __builtin_shuffle(ib, ic, IntLanes{0, 3, 6, 1});  // g1 g2 g3 b1
+        const IntLanes r = __builtin_shuffle(ab, ic, IntLanes{0, 1, 2, 5});   // r0 r1 r2 r3
+        const IntLanes g = __builtin_shuffle(ab, bc, IntLanes{3, 4, 5, 6});   // g0 g1 g2 g3
+        const IntLanes b01 = __builtin_shuffle(ia, ib, IntLanes{2, 5, 2, 5}); // b0 b1 b0 b1
+        const IntLanes blue = __builtin_shuffle(b01, ic, IntLanes{0, 1, 4, 7}); // b0 b1 b2 b3
+        const IntLanes pixels = opaque | (r << 16) | (g << 8) | blue;
+        std::memcpy(dst + x, &pixels, sizeof pixels);
+    }
+    for (; x < span; ++x, src += 3)
         dst[x] = packPixel(toByte(src[0]), toByte(src[1]), toByte(src[2]), 255u);
 }
 

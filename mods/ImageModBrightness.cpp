@@ -16,7 +16,7 @@ static inline float brightnessTable(const float* t, float c)
     const float u = c / 255.0f;
     if (u >= 1.0f)
         return t[ToneCurve::tableSize - 1];
-    if (u <= 0.0f)
+    if (!(u > 0.0f)) // NaN too: its index would fall far outside the table
         return t[0];
     const float i = c * kTableScale;
     const float f = std::floor(i);
@@ -47,10 +47,11 @@ static inline void brightnessPixel(Sample* p, int32_t colorChannels, const float
 }
 
 template <typename Sample>
-void brightnessPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float a)
+void brightnessPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float a,
+                    const FlexImageT<Sample>* from = nullptr)
 {
     if (!image || image->isEmpty() || a == 1.0f || !std::isfinite(a))
-        return;
+        return passUntouched(image, from);
     ToneCurve curve("0 0 1 1");
     if (a >= 1.0f)
         curve.setPoint(0, 0.0f, a - 1.0f);
@@ -60,7 +61,7 @@ void brightnessPass(FlexImageT<Sample>* image, const ImageModApplyContext* conte
     const int32_t colour = image->colorChannels;
     forEachPixel(
         image, context, [=](Sample* p) { brightnessPixel(p, colour, t, 1.0f); },
-        [=](Sample* p, float m) { brightnessPixel(p, colour, t, m); });
+        [=](Sample* p, float m) { brightnessPixel(p, colour, t, m); }, from);
 }
 
 } // namespace
@@ -79,4 +80,13 @@ void ImageModBrightness::apply(FlexImage8* image, const ImageModApplyContext* co
 void ImageModBrightness::apply(FlexImageFloat* image, const ImageModApplyContext* context)
 {
     brightnessPass(image, context, floatValue(0));
+}
+
+bool ImageModBrightness::applyFrom(const FlexImageFloat& source, FlexImageFloat* dest,
+                                   const ImageModApplyContext* context)
+{
+    if (!prepareSourcedPass(source, dest, context))
+        return false;
+    brightnessPass(dest, context, floatValue(0), &source);
+    return true;
 }

@@ -21,6 +21,15 @@ static inline void contrastPixelTable(float* p, int32_t count, const PowerPairTa
         p[c] = table(p[c]);
 }
 
+static inline void contrastPixelTableFrom(const float* in, float* out, int32_t colour, int32_t channels,
+                                          const PowerPairTable& table)
+{
+    for (int32_t c = 0; c < colour; ++c)
+        out[c] = table(in[c]);
+    for (int32_t c = colour; c < channels; ++c)
+        out[c] = in[c];
+}
+
 template <typename Sample>
 void contrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, float center)
 {
@@ -57,6 +66,42 @@ void contrastPass(FlexImageT<Sample>* image, const ImageModApplyContext* context
         });
 }
 
+// The unmasked float pass from source into dest, for the runner's restore-and-apply sweep.
+bool contrastPassFrom(const FlexImageFloat& source, FlexImageFloat* dest, const ImageModApplyContext* context,
+                      float amount, float center)
+{
+    if (!dest || dest == &source || source.isEmpty() || (context && context->selector))
+        return false;
+    if (amount == 1.0f || !std::isfinite(amount) || !std::isfinite(center)) {
+        dest->copyFrom(source, true); // the pass leaves the pixels as they are
+        return true;
+    }
+    dest->resize(source.width, source.height, source.channels);
+    if (dest->isEmpty())
+        return false;
+    const int32_t colour = source.colorChannels;
+    const int32_t channels = source.channels;
+    const int32_t width = source.width;
+    PowerPairTable table;
+    table.build(center, powerPairExponent(amount));
+    parallelFor(source.height, [&](int32_t y) {
+        const float* in = source.row(y);
+        float* out = dest->row(y);
+        if (channels == colour) {
+            table.apply(in, out, int64_t(width) * channels);
+            return;
+        }
+        for (int32_t x = 0; x < width; ++x, in += channels, out += channels)
+            contrastPixelTableFrom(in, out, colour, channels, table);
+    });
+    dest->marginLeft = source.marginLeft;
+    dest->marginRight = source.marginRight;
+    dest->marginTop = source.marginTop;
+    dest->marginBottom = source.marginBottom;
+    dest->scale = source.scale;
+    return true;
+}
+
 } // namespace
 
 ImageModContrast::ImageModContrast(int32_t v, float amount, float center) : ImageMod("Contrast", "Contrast")
@@ -85,4 +130,9 @@ void ImageModContrast::apply(FlexImage8* image, const ImageModApplyContext* cont
 void ImageModContrast::apply(FlexImageFloat* image, const ImageModApplyContext* context)
 {
     contrastPass(image, context, floatValue(0), version <= 1 ? floatValue(1) : 90.0f);
+}
+
+bool ImageModContrast::applyFrom(const FlexImageFloat& source, FlexImageFloat* dest, const ImageModApplyContext* context)
+{
+    return contrastPassFrom(source, dest, context, floatValue(0), version <= 1 ? floatValue(1) : 90.0f);
 }

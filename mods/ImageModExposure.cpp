@@ -50,16 +50,17 @@ static inline void exposePixel(Sample* p, int32_t channels, int32_t colorChannel
 }
 
 template <typename Sample>
-void exposurePass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount)
+void exposurePass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount,
+                  const FlexImageT<Sample>* from = nullptr)
 {
     if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount))
-        return;
+        return passUntouched(image, from);
     const int32_t channels = image->channels;
     const int32_t colour = image->colorChannels;
     const ExposureStep plain = exposureStep(amount);
     forEachPixel(
         image, context, [=](Sample* p) { exposePixel(p, channels, colour, plain); },
-        [=](Sample* p, float m) { exposePixel(p, channels, colour, exposureStep(maskRuleA(amount, m))); });
+        [=](Sample* p, float m) { exposePixel(p, channels, colour, exposureStep(maskRuleA(amount, m))); }, from);
 }
 
 } // namespace
@@ -78,4 +79,12 @@ void ImageModExposure::apply(FlexImage8* image, const ImageModApplyContext* cont
 void ImageModExposure::apply(FlexImageFloat* image, const ImageModApplyContext* context)
 {
     exposurePass(image, context, floatValue(0));
+}
+
+bool ImageModExposure::applyFrom(const FlexImageFloat& source, FlexImageFloat* dest, const ImageModApplyContext* context)
+{
+    if (!prepareSourcedPass(source, dest, context))
+        return false;
+    exposurePass(dest, context, floatValue(0), &source);
+    return true;
 }

@@ -17,16 +17,17 @@ static inline void saturatePixel(Sample* p, int32_t channels, int32_t colorChann
 }
 
 template <typename Sample>
-void saturationPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, int32_t version)
+void saturationPass(FlexImageT<Sample>* image, const ImageModApplyContext* context, float amount, int32_t version,
+                    const FlexImageT<Sample>* from = nullptr)
 {
     if (!image || image->isEmpty() || amount == 1.0f || !std::isfinite(amount))
-        return;
+        return passUntouched(image, from);
     const bool root = version == 2;
     const int32_t channels = image->channels;
     const int32_t colour = image->colorChannels;
     // The root anchor reads three channels; a grey image has none to spread.
     if (root && channels < 3)
-        return;
+        return passUntouched(image, from);
     const float v = saturationFactor(amount);
     forEachPixel(
         image, context, [=](Sample* p) { saturatePixel(p, channels, colour, v, root); },
@@ -34,7 +35,8 @@ void saturationPass(FlexImageT<Sample>* image, const ImageModApplyContext* conte
             const float a = maskRuleA(amount, m);
             if (a != 1.0f)
                 saturatePixel(p, channels, colour, saturationFactor(a), root);
-        });
+        },
+        from);
 }
 
 } // namespace
@@ -54,4 +56,13 @@ void ImageModSaturation::apply(FlexImage8* image, const ImageModApplyContext* co
 void ImageModSaturation::apply(FlexImageFloat* image, const ImageModApplyContext* context)
 {
     saturationPass(image, context, floatValue(0), version);
+}
+
+bool ImageModSaturation::applyFrom(const FlexImageFloat& source, FlexImageFloat* dest,
+                                   const ImageModApplyContext* context)
+{
+    if (!prepareSourcedPass(source, dest, context))
+        return false;
+    saturationPass(dest, context, floatValue(0), version, &source);
+    return true;
 }

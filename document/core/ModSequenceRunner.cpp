@@ -2,6 +2,7 @@
 
 #include "core/ImageModCompoundFlattening.h"
 #include "core/ImageModSelectorWalk.h"
+#include "core/ImageModSourcedApply.h"
 
 #include <algorithm>
 #include <thread>
@@ -298,6 +299,27 @@ void ModSequenceRunner::analyzeStages(FlexImageT<Sample>* working)
     }
 }
 
+bool ModSequenceRunner::restoreAndApply(int32_t index, FlexImageFloat& working, ImageModSelectorPointerArray& wrapper)
+{
+    ImageMod* stage = mods[size_t(index)].get();
+    if (!stage->enabled || stage->kind() == ImageModSelector::selectorKind || stage->passCount() != 1)
+        return false;
+    auto* sourced = dynamic_cast<ImageModSourcedApply*>(stage);
+    if (!sourced)
+        return false;
+    ImageModApplyContext context;
+    context.referenceFrame = frame;
+    context.selector = selectorForList(selectorsForTile(mods, index), wrapper);
+    context.frame = frameNumber;
+    context.pass = 0;
+    return sourced->applyFrom(*cacheImage, &working, &context);
+}
+
+bool ModSequenceRunner::restoreAndApply(int32_t, FlexImage8&, ImageModSelectorPointerArray&)
+{
+    return false; // the cache is float, the 8-bit tiles have no such path
+}
+
 template <typename Sample>
 void ModSequenceRunner::runStages(FlexImageT<Sample>* image, FlexImageT<Sample>* destination)
 {
@@ -311,10 +333,9 @@ void ModSequenceRunner::runStages(FlexImageT<Sample>* image, FlexImageT<Sample>*
     }
     FlexImageT<Sample>* working = image;
     if (destination && destination != image) {
-        // Pixels about to be restored from the cache needn't be copied first.
-        if (restores && !analysis)
-            restoreCache(*destination, *cacheImage);
-        else
+        // Pixels about to be restored from the cache needn't be copied first: the restore (or the
+        // first tile run straight from the cache) fills them.
+        if (!restores || analysis)
             destination->copyFrom(*image, true);
         copyPlacement(*destination, *image);
         working = destination;
@@ -353,8 +374,16 @@ void ModSequenceRunner::runStages(FlexImageT<Sample>* image, FlexImageT<Sample>*
             }
         }
         if (i == restoreAt && cacheImage) {
-            if (working != destination || !restores || analysis)
-                restoreCache(*working, *cacheImage);
+            // The tile after the cache may read the cached pixels and write the working ones in one
+            // sweep; otherwise the cache is copied back and the tile runs in place as usual.
+            if (i + 1 < count && restoreAndApply(i + 1, *working, wrapper)) {
+                copyPlacement(*working, *image);
+                if (i + 1 == saveAt)
+                    storeCache(*cacheImage, *working);
+                ++i;
+                continue;
+            }
+            restoreCache(*working, *cacheImage);
             copyPlacement(*working, *image);
             continue;
         }

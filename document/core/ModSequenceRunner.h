@@ -2,6 +2,7 @@
 #include "core/FlexImage.h"
 #include "core/ImageMod.h"
 #include "core/ImageModApplyContext.h"
+#include "core/ImageModSelectorPointerArray.h"
 
 #include <cstdint>
 #include <memory>
@@ -99,4 +100,8 @@ private:
     void runStages(FlexImageT<Sample>* image, FlexImageT<Sample>* destination);
     template <typename Sample>
     void analyzeStages(FlexImageT<Sample>* working);
+    // Runs stage index from cacheImage straight into working when the tile can (see
+    // ImageModSourcedApply): the restore and the tile in one sweep. False: nothing was done.
+    bool restoreAndApply(int32_t index, FlexImageFloat& working, ImageModSelectorPointerArray& wrapper);
+    bool restoreAndApply(int32_t index, FlexImage8& working, ImageModSelectorPointerArray& wrapper);
 };

@@ -446,3 +446,66 @@ TEST(ModSequenceRunner, AnalysisProxyKeepsTheAspectAndTheScale)
     FlexImageFloat empty(0, 0, 3);
     EXPECT_EQ(makeAnalysisProxy(empty, 150), nullptr);
 }
+
+// A drag on a tile that can read the cached pixels itself: each move runs it once, from the cache
+// into the working image, with no restore copy and no in-place pass; the pixels, alpha and
+// placement are those of a run without a cache. Under a mask, or disabled, the tile takes the
+// usual restore-then-apply way with the same result.
+TEST(ModSequenceRunner, TileAfterTheCacheRunsStraightFromIt)
+{
+    for (const bool inPlace : {false, true}) {
+        for (const int variant : {0, 1, 2}) { // plain, masked, disabled
+            SCOPED_TRACE(testing::Message() << "in place " << inPlace << " variant " << variant);
+            TestCountMod::resetCounts();
+            TestSourcedMod::sourcedRuns().store(0);
+            TileList list;
+            list.count(0, 2.0f);
+            list.count(1, 3.0f);
+            if (variant == 1)
+                list.add(std::make_unique<TestConstMask>(0.5f));
+            auto* dragged = list.add(std::make_unique<TestSourcedMod>(2, 5.0f));
+            dragged->enabled = variant != 2;
+            list.count(3, 1.0f);
+            FlexImageFloat source(40, 30, 4);
+            fillGradient(source);
+            source.scale = 2.5f;
+            source.marginLeft = 3;
+            source.marginBottom = 7;
+            FlexImageFloat work(0, 0, 4), expected(0, 0, 4);
+            ModSequenceRunner runner(true, false, 256, 0.5f);
+            auto pass = [&] {
+                if (inPlace) {
+                    work.copyFrom(source, true);
+                    runner.run(list.raw(), &work, nullptr, -1, 0, nullptr);
+                } else {
+                    runner.run(list.raw(), &source, &work, -1, 0, nullptr);
+                }
+            };
+            pass();
+            dragged->setAmount(6.0f);
+            pass();
+            const int32_t cached = variant == 1 ? 2 : 1;
+            ASSERT_EQ(runner.currentCachedStage(), cached);
+            TestCountMod::resetCounts();
+            TestSourcedMod::sourcedRuns().store(0);
+            int moves = 0;
+            for (float amount : {9.0f, -4.0f, 12.5f}) {
+                dragged->setAmount(amount);
+                pass();
+                ++moves;
+                reference(list.raw(), source, expected);
+                EXPECT_TRUE(samePixels(work, expected)) << amount;
+                EXPECT_EQ(runner.currentCachedStage(), cached);
+            }
+            // The reference runs count once per move on every enabled tile.
+            const int fromCache = variant == 0 ? moves : 0;
+            EXPECT_EQ(TestSourcedMod::sourcedRuns().load(), fromCache);
+            EXPECT_EQ(countsOf(4), (std::vector<int>{moves, moves, variant == 2 ? 0 : 2 * moves - fromCache,
+                                                     2 * moves}));
+            EXPECT_FLOAT_EQ(work.scale, 2.5f);
+            EXPECT_EQ(work.marginLeft, 3);
+            EXPECT_EQ(work.marginBottom, 7);
+            EXPECT_EQ(work.row(29)[39 * 4 + 3], source.row(29)[39 * 4 + 3]); // alpha passes through
+        }
+    }
+}

@@ -1,6 +1,7 @@
 #pragma once
 #include "core/ImageMod.h"
 #include "core/ImageModSelector.h"
+#include "core/ImageModSourcedApply.h"
 #include "core/ParallelFor.h"
 
 #include <array>
@@ -67,6 +68,37 @@ private:
                 }
             }
         });
+    }
+};
+
+// A counting tile that can also run from one image into another; counts those runs apart, and
+// declines under a mask. Its pixels match the in-place pass exactly.
+class TestSourcedMod : public TestCountMod, public ImageModSourcedApply {
+public:
+    explicit TestSourcedMod(int32_t id = 0, float add = 1.0f) : TestCountMod(id, add) { name = "Test Sourced"; }
+    std::unique_ptr<ImageMod> newInstance() const override { return std::make_unique<TestSourcedMod>(); }
+    static std::atomic<int>& sourcedRuns()
+    {
+        static std::atomic<int> n{0};
+        return n;
+    }
+    bool applyFrom(const FlexImageFloat& source, FlexImageFloat* dest, const ImageModApplyContext* context) override
+    {
+        if (context && context->selector)
+            return false;
+        sourcedRuns()++;
+        dest->resize(source.width, source.height, source.channels);
+        const float add = floatValue(0);
+        const int64_t n = source.sampleCount();
+        const int32_t ch = source.channels, cc = source.colorChannels;
+        for (int64_t i = 0; i < n; ++i)
+            dest->data[i] = int32_t(i % ch) < cc ? source.data[i] + add : source.data[i];
+        dest->marginLeft = source.marginLeft;
+        dest->marginRight = source.marginRight;
+        dest->marginTop = source.marginTop;
+        dest->marginBottom = source.marginBottom;
+        dest->scale = source.scale;
+        return true;
     }
 };
 

@@ -322,23 +322,24 @@ private slots:
 
     void displayCopyMatchesPerPixelWrites()
     {
-        // Samples out of range, fractions and NaN, three and four channels, offsets that clip.
+        // Samples out of range, fractions and NaN, three and four channels, offsets that clip; rows
+        // long enough for the four-pixel groups and a tail.
         const float nan = std::numeric_limits<float>::quiet_NaN();
         for (int channels : {3, 4}) {
-            FlexImageFloat src(7, 5, channels);
+            FlexImageFloat src(13, 5, channels);
             for (int y = 0; y < 5; ++y)
-                for (int x = 0; x < 7; ++x)
+                for (int x = 0; x < 13; ++x)
                     for (int c = 0; c < channels; ++c) {
-                        const int k = (y * 7 + x) * channels + c;
+                        const int k = (y * 13 + x) * channels + c;
                         src.row(y)[x * channels + c] = k % 11 == 0 ? nan : float(k * 37 % 300) - 20.5f;
                     }
-            for (QPoint offset : {QPoint(0, 0), QPoint(-3, 2), QPoint(4, -2), QPoint(9, 9)}) {
-                QImage fast(8, 6, QImage::Format_ARGB32), slow(8, 6, QImage::Format_ARGB32);
+            for (QPoint offset : {QPoint(0, 0), QPoint(-3, 2), QPoint(4, -2), QPoint(16, 9), QPoint(5, 1)}) {
+                QImage fast(15, 6, QImage::Format_ARGB32), slow(15, 6, QImage::Format_ARGB32);
                 fast.fill(qRgba(1, 2, 3, 4));
                 slow.fill(qRgba(1, 2, 3, 4));
                 QVERIFY(copyContentsIntoQtImage(src, fast, offset.x(), offset.y(), nullptr));
                 for (int y = 0; y < 5; ++y)
-                    for (int x = 0; x < 7; ++x) {
+                    for (int x = 0; x < 13; ++x) {
                         const QPoint at(x + offset.x(), y + offset.y());
                         if (!slow.rect().contains(at))
                             continue;
