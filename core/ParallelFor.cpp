@@ -7,6 +7,7 @@
 #else
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
 #endif
 
 #if defined(__SANITIZE_THREAD__)
@@ -59,5 +60,15 @@ void parallelForRanges(int32_t count, const std::function<void(int32_t, int32_t)
 #else
     tbb::parallel_for(tbb::blocked_range<int32_t>(0, count),
                       [&](const tbb::blocked_range<int32_t>& r) { body(r.begin(), r.end()); });
+#endif
+}
+
+void runAsBackgroundWork(const std::function<void()>& body)
+{
+#if defined(__SANITIZE_THREAD__)
+    body();
+#else
+    tbb::task_arena arena(tbb::task_arena::automatic, 1, tbb::task_arena::priority::low);
+    arena.execute(body);
 #endif
 }

@@ -3,10 +3,10 @@
 #include "ui/MainWindow.h"
 
 #include "document/MVMediaWidget.h"
-#include "ui/MVHistogramWidget.h"
-#include "ui/MVHistogramWindow.h"
-#include "ui/MVPixelInfoWidget.h"
-#include "ui/MVPixelInfoWindow.h"
+#include "tools/MVHistogramWidget.h"
+#include "tools/MVHistogramWindow.h"
+#include "tools/MVPixelInfoWidget.h"
+#include "tools/MVPixelInfoWindow.h"
 
 #include <QtGui/QCursor>
 #include <QtGui/QGuiApplication>

@@ -1,6 +1,30 @@
 #include "document/core/RenderQueue.h"
 
+#include "core/ParallelFor.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <thread>
+
+namespace {
+
+// The batch runs at a lower CPU priority than the editor, so a slider pass on screen is not kept
+// waiting for it. Threads take their creator's priority, so the shared row pool's helper threads
+// are started first (a loop of nothing does it) while this thread still has the normal one.
+void lowerWorkerPriority()
+{
+    parallelFor(64, [](int32_t) {});
+    const id_t self = id_t(gettid());
+    errno = 0;
+    const int now = getpriority(PRIO_PROCESS, self);
+    if (errno == 0)
+        setpriority(PRIO_PROCESS, self, std::min(now + 10, 19));
+}
+
+} // namespace
 
 RenderQueueItem RenderQueueItem::clone() const
 {
@@ -190,6 +214,7 @@ bool RenderQueue::cancelledNow()
 
 void RenderQueue::workerRoutine(RenderQueue* q)
 {
+    lowerWorkerPriority();
     {
         std::scoped_lock lock(q->statusMutex, q->listMutex);
         q->running = true;
@@ -235,7 +260,8 @@ void RenderQueue::workerRoutine(RenderQueue* q)
         bool ok = false;
         if (local.kind == RenderQueueItem::kindStill && q->processor && !cancelled()) {
             std::lock_guard<std::mutex> file(q->fileMutex);
-            ok = q->processor(local, cancelled);
+            // Its loops in a pool of their own: the viewport's never wait on rows of the batch.
+            runAsBackgroundWork([&] { ok = q->processor(local, cancelled); });
         }
         // No video path on this platform: such an item ends as failed.
 

@@ -45,7 +45,9 @@ using RenderQueueProcessor =
 
 // Jobs that run in the background while the user goes on editing. One detached worker at a time
 // takes the items in order; items added while it runs are served by the same worker. A failed item
-// is recorded and the worker goes on with the next.
+// is recorded and the worker goes on with the next. The worker lowers its own CPU priority by ten
+// nice steps (19 at most) and runs each item's loops in a background pool (runAsBackgroundWork), so
+// a batch does not make the editor sluggish.
 //
 // Locks: statusMutex before listMutex, doneMutex inside both; fileMutex only around one item's
 // load and save, with neither of the others held. busyMutex belongs to the worker for its life.

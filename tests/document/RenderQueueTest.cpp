@@ -1,16 +1,24 @@
 #include "document/core/RenderQueue.h"
 
 #include "RunnerTestMods.h"
+#include "core/ParallelFor.h"
 #include "desktop_only/MediaLoading.h"
 #include "desktop_only/RenderAndSave.h"
 #include "media/MediaFormats.h"
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
 #include <cmath>
 #include <condition_variable>
 #include <mutex>
@@ -238,6 +246,48 @@ TEST(RenderQueue, WithoutAProcessorEveryItemFails)
     ASSERT_TRUE(q.start());
     ASSERT_TRUE(q.waitUntilIdle(10000));
     EXPECT_EQ(outcomes(q), std::vector<RenderQueueOutcome>{RenderQueueOutcome::Failed});
+}
+
+// Threads of this process whose nice value differs from `normal`.
+static std::vector<int> threadsNotAt(int normal)
+{
+    std::vector<int> found;
+    for (const QFileInfo& t : QDir(QStringLiteral("/proc/self/task")).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        errno = 0;
+        const int p = getpriority(PRIO_PROCESS, id_t(t.fileName().toInt()));
+        if (errno == 0 && p != normal)
+            found.push_back(p);
+    }
+    return found;
+}
+
+// One item whose rows go through the pool; true when it was done and, while it ran, the worker was
+// the only thread below the editor's priority, ten steps down.
+static bool onlyTheWorkerRunsLower(int editor)
+{
+    std::vector<int> lowered;
+    RenderQueue q([&](const RenderQueueItem&, const std::function<bool()>&) {
+        std::atomic<int> rows{0};
+        parallelFor(4096, [&](int32_t) { rows++; });
+        lowered = threadsNotAt(editor);
+        return rows.load() == 4096;
+    });
+    q.addItem(item("a"));
+    if (!q.start() || !q.waitUntilIdle(10000))
+        return false;
+    return outcomes(q) == std::vector<RenderQueueOutcome>{RenderQueueOutcome::Done} &&
+        lowered == std::vector<int>{editor + 10};
+}
+
+TEST(RenderQueue, TheWorkerRunsBelowTheEditorAndTheRowPoolKeepsItsPriority)
+{
+    const int editor = getpriority(PRIO_PROCESS, id_t(gettid()));
+    if (editor > 9)
+        GTEST_SKIP() << "too near the lowest priority to tell";
+    // In a fresh process, so the queue's worker is the first to use the row pool: its helper threads
+    // must still start at the editor's priority, not inherit the worker's lower one.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::_Exit(onlyTheWorkerRunsLower(editor) ? 0 : 1), ::testing::ExitedWithCode(0), "");
 }
 
 TEST(RenderQueue, DestroyingARunningQueueWaitsForItsWorker)

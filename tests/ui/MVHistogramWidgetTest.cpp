@@ -2,8 +2,8 @@
 // widget's size, what it paints, and that a viewer's pass reaches it.
 #include "document/MVMediaWidget.h"
 #include "ui/DevicePixelRatio.h"
-#include "ui/MVHistogramWidget.h"
-#include "ui/MVHistogramWindow.h"
+#include "tools/MVHistogramWidget.h"
+#include "tools/MVHistogramWindow.h"
 
 #include <QtTest/QtTest>
 

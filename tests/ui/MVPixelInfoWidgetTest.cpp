@@ -2,8 +2,8 @@
 // pixel under a point of a viewer.
 #include "document/MVMediaWidget.h"
 #include "ui/DevicePixelRatio.h"
-#include "ui/MVPixelInfoWidget.h"
-#include "ui/MVPixelInfoWindow.h"
+#include "tools/MVPixelInfoWidget.h"
+#include "tools/MVPixelInfoWindow.h"
 
 #include <QtTest/QtTest>
 

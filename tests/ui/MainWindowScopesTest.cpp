@@ -4,9 +4,9 @@
 #include "ResourceInit.h"
 #include "document/MVMediaWidget.h"
 #include "ui/AppTheme.h"
-#include "ui/MVHistogramWidget.h"
-#include "ui/MVHistogramWindow.h"
-#include "ui/MVPixelInfoWidget.h"
+#include "tools/MVHistogramWidget.h"
+#include "tools/MVHistogramWindow.h"
+#include "tools/MVPixelInfoWidget.h"
 #include "ui/MainWindow.h"
 
 #include <QtCore/QFile>

@@ -1,6 +1,6 @@
-#include "ui/MVHistogramWindow.h"
+#include "tools/MVHistogramWindow.h"
 
-#include "ui/MVHistogramWidget.h"
+#include "tools/MVHistogramWidget.h"
 
 MVHistogramWindow::MVHistogramWindow(QWidget* parent)
     : MVSubWindow(MVHistogramWidget::graphName(MVHistogramWidget::LuminanceHistogram), parent)

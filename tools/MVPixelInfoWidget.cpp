@@ -1,4 +1,4 @@
-#include "ui/MVPixelInfoWidget.h"
+#include "tools/MVPixelInfoWidget.h"
 
 #include "core/ColorMath.h"
 #include "document/MVMediaWidget.h"

@@ -1,6 +1,6 @@
-#include "ui/MVPixelInfoWindow.h"
+#include "tools/MVPixelInfoWindow.h"
 
-#include "ui/MVPixelInfoWidget.h"
+#include "tools/MVPixelInfoWidget.h"
 
 namespace {
 constexpr int kBorder = 12;

@@ -1,4 +1,4 @@
-#include "ui/MVHistogramWidget.h"
+#include "tools/MVHistogramWidget.h"
 
 #include "ui/DevicePixelRatio.h"
 
