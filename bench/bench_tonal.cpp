@@ -107,10 +107,10 @@ BENCHMARK(BM_Contrast)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->
 static void BM_ContrastFromSource(benchmark::State& state)
 {
     ImageModContrast mod(2, 1.3f);
-    FlexImageFloat src(kWidth, kHeight, 3);
-    FlexImageFloat dst(kWidth, kHeight, 3);
-    touch(src, 0.0f);
-    touch(dst, 1.0f);
+    FlexImageFloat src(kBenchWidth, kBenchHeight, 3);
+    FlexImageFloat dst(kBenchWidth, kBenchHeight, 3);
+    touchSamples(src, 0.0f);
+    touchSamples(dst, 1.0f);
     for (auto _ : state) {
         mod.applyFrom(src, &dst, nullptr);
         benchmark::ClobberMemory();
