@@ -1,6 +1,7 @@
 #include "core/ImageModSelector.h"
 #include "core/ImageModSourcedApply.h"
 #include "mods/ImageModBrightness.h"
+#include "mods/ImageModContrast.h"
 #include "mods/ImageModExposure.h"
 #include "mods/ImageModSaturation.h"
 
@@ -44,7 +45,7 @@ struct Case {
 // carry over. A masked pass is refused with the destination untouched.
 TEST(SourcedApply, TonalTilesFromSourceEqualThePassInPlace)
 {
-    const std::vector<Case> cases = {
+    std::vector<Case> cases = {
         {"brightness up", [] { return std::make_unique<ImageModBrightness>(1.4f); }},
         {"brightness down", [] { return std::make_unique<ImageModBrightness>(0.7f); }},
         {"brightness neutral", [] { return std::make_unique<ImageModBrightness>(1.0f); }},
@@ -54,6 +55,11 @@ TEST(SourcedApply, TonalTilesFromSourceEqualThePassInPlace)
         {"saturation legacy", [] { return std::make_unique<ImageModSaturation>(1, 0.3f); }},
         {"saturation neutral", [] { return std::make_unique<ImageModSaturation>(2, 1.0f); }},
     };
+    // Contrast goes through its power table, both versions, a neutral amount included.
+    for (int32_t version : {1, 2})
+        for (float amount : {1.3f, 0.6f, 1.0f, 2.0f})
+            cases.push_back({"contrast v" + std::to_string(version) + " " + std::to_string(amount),
+                             [=] { return std::make_unique<ImageModContrast>(version, amount, 200.0f); }});
     for (const Case& c : cases) {
         for (int32_t channels : {3, 4}) {
             SCOPED_TRACE(c.label + ", " + std::to_string(channels) + " channels");
