@@ -102,7 +102,7 @@ void MVHistogramWidget::clearData()
         std::lock_guard<std::mutex> lock(mutex);
         hasData = false;
     }
-    QMetaObject::invokeMethod(this, [this] { update(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, "update", Qt::QueuedConnection); // may run on the viewer's worker
 }
 
 void MVHistogramWidget::resizeEvent(QResizeEvent* e)
@@ -149,7 +149,7 @@ void MVHistogramWidget::updateFrom(const FlexImageFloat& image)
         hasData = true;
     }
     updates.fetch_add(1);
-    QMetaObject::invokeMethod(this, [this] { update(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, "update", Qt::QueuedConnection); // may run on the viewer's worker
 }
 
 void MVHistogramWidget::paintEvent(QPaintEvent*)
