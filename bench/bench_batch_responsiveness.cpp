@@ -5,6 +5,7 @@
 // Both medians come from the same run, so their ratio holds when the machine's load does not.
 #include "core/ImageMod.h"
 #include "core/ImageModVariable.h"
+#include "bench/BatchLookSupport.h"
 #include "core/ModCatalogue.h"
 #include "desktop_only/MediaLoading.h"
 #include "desktop_only/RenderAndSave.h"
@@ -65,25 +66,6 @@ double median(std::vector<double> v)
     return v[v.size() / 2];
 }
 
-// What the batch does to each photo: the five-tile look of bench_render_queue, Blur included.
-std::vector<std::unique_ptr<ImageMod>> batchLook(const ModCatalogue& catalogue)
-{
-    const struct {
-        const char* name;
-        float value;
-    } tiles[] = {{"Exposure", 0.4f}, {"Contrast", 0.3f}, {"Dynamics", 0.5f}, {"Tint", 20.0f}, {"Blur", 8.0f}};
-    std::vector<std::unique_ptr<ImageMod>> mods;
-    for (const auto& t : tiles) {
-        std::unique_ptr<ImageMod> m = createMod(catalogue, t.name);
-        if (!m)
-            return {};
-        if (m->variableCount() > 0)
-            m->variableAt(0)->setFloatValue(t.value);
-        mods.push_back(std::move(m));
-    }
-    return mods;
-}
-
 void BM_SliderDragWhileBatchRuns(benchmark::State& state)
 {
     application();
@@ -104,7 +86,7 @@ void BM_SliderDragWhileBatchRuns(benchmark::State& state)
         return;
     }
     const ModCatalogueContents catalogue = buildModCatalogue();
-    const std::vector<std::unique_ptr<ImageMod>> look = batchLook(catalogue.mods);
+    const std::vector<std::unique_ptr<ImageMod>> look = fiveTileBatchLook(catalogue.mods);
     if (look.empty()) {
         delete photo;
         state.SkipWithError("a tile of the batch look is missing");

@@ -1,3 +1,4 @@
+#include "bench/BatchLookSupport.h"
 #include "core/ModCatalogue.h"
 #include "desktop_only/RenderAndSave.h"
 #include "document/core/RenderQueue.h"
@@ -20,24 +21,6 @@ namespace {
 const std::string kPhoto = VANTREL_TESTDATA "/nikon_d5300_6000x4000.jpg";
 constexpr int kPhotos = 20;
 
-std::vector<std::unique_ptr<ImageMod>> fiveTileLook(const ModCatalogue& catalogue)
-{
-    const struct {
-        const char* name;
-        float value;
-    } tiles[] = {{"Exposure", 0.4f}, {"Contrast", 0.3f}, {"Dynamics", 0.5f}, {"Tint", 20.0f}, {"Blur", 8.0f}};
-    std::vector<std::unique_ptr<ImageMod>> mods;
-    for (const auto& t : tiles) {
-        std::unique_ptr<ImageMod> m = createMod(catalogue, t.name);
-        if (!m)
-            return {};
-        if (m->variableCount() > 0)
-            m->variableAt(0)->setFloatValue(t.value);
-        mods.push_back(std::move(m));
-    }
-    return mods;
-}
-
 void BM_RenderQueueBatch(benchmark::State& state)
 {
     if (!QFileInfo::exists(QString::fromStdString(kPhoto))) {
@@ -45,7 +28,7 @@ void BM_RenderQueueBatch(benchmark::State& state)
         return;
     }
     const ModCatalogueContents catalogue = buildModCatalogue();
-    const std::vector<std::unique_ptr<ImageMod>> look = fiveTileLook(catalogue.mods);
+    const std::vector<std::unique_ptr<ImageMod>> look = fiveTileBatchLook(catalogue.mods);
     if (look.empty()) {
         state.SkipWithError("a tile of the look is missing");
         return;
